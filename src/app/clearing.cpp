@@ -1,0 +1,5 @@
+// Clearing a race and the compact window.
+#include "app/formmarvolendo.h"
+
+void FormMarvolendo::Command4_Click() {}
+void FormMarvolendo::opp4_Click() {}

@@ -1,0 +1,66 @@
+#include "savefile.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace savefile {
+
+namespace {
+
+void syncFolder(const QString& path)
+{
+#ifdef Q_OS_UNIX
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+#else
+    Q_UNUSED(path);
+#endif
+}
+
+// The system's reason, in the operator's language where it is a common one.
+QString reason(const QFileDevice& file, const QString& path)
+{
+    const QString text = file.errorString();
+    if (!QFileInfo(QFileInfo(path).absolutePath()).isDir())
+        return QStringLiteral("la carpeta %1 no existe").arg(QFileInfo(path).absolutePath());
+    if (text.contains(QLatin1String("No space"), Qt::CaseInsensitive))
+        return QStringLiteral("el disco esta lleno");
+    if (text.contains(QLatin1String("Permission"), Qt::CaseInsensitive) ||
+        text.contains(QLatin1String("Read-only"), Qt::CaseInsensitive))
+        return QStringLiteral("no hay permiso de escritura");
+    if (file.error() == QFileDevice::WriteError)
+        return QStringLiteral("error de escritura (%1)").arg(text);
+    return QStringLiteral("no se pudo abrir (%1)").arg(text);
+}
+
+} // namespace
+
+QString write(const QString& path, const QByteArray& bytes)
+{
+    if (QFileInfo(path).isDir())
+        return QStringLiteral("%1 es una carpeta").arg(path);
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return reason(file, path);
+    if (file.write(bytes) != bytes.size() || !file.flush()) {
+        const QString why = reason(file, path);
+        file.cancelWriting();
+        return why;
+    }
+    if (!file.commit())
+        return reason(file, path);
+    syncFolder(path);
+    return {};
+}
+
+} // namespace savefile

@@ -1,0 +1,15 @@
+// Replacing a file whole: the new contents are written beside it and renamed over it, so a
+// crash or a full disk in the middle leaves the previous complete file.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace savefile {
+
+// Writes bytes to path, checking every write and the flush (a full disk must not pass as a
+// success), and syncs the folder after the rename where the system allows it. Returns an
+// empty text on success, otherwise the reason in Spanish.
+QString write(const QString& path, const QByteArray& bytes);
+
+} // namespace savefile

@@ -1,0 +1,39 @@
+// Message boxes and the file dialog of the window go through this interface, so that tests
+// answer them with scripted replies while the real window shows real dialogs.
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+// What the open-file dialog is asked for.
+struct FileRequest {
+    QString title;
+    QString filter;
+    QString defaultSuffix;
+    QString proposedName;
+};
+
+class Dialogs {
+public:
+    // The answers keep the old numbering: 1 OK, 2 Cancel, 6 Yes, 7 No.
+    enum Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
+
+    virtual ~Dialogs() = default;
+    // OK and Cancel, critical icon, Cancel as the default button.
+    virtual int confirm(QWidget* parent, const QString& title, const QString& text) = 0;
+    // A critical message with an OK button.
+    virtual void warn(QWidget* parent, const QString& title, const QString& text) = 0;
+    // Yes and No, question icon, Yes as the default button.
+    virtual int ask(QWidget* parent, const QString& title, const QString& text) = 0;
+    // The chosen file, or an empty text when the operator cancels.
+    virtual QString openFile(QWidget* parent, const FileRequest& request) = 0;
+};
+
+class QtDialogs final : public Dialogs {
+public:
+    int confirm(QWidget* parent, const QString& title, const QString& text) override;
+    void warn(QWidget* parent, const QString& title, const QString& text) override;
+    int ask(QWidget* parent, const QString& title, const QString& text) override;
+    QString openFile(QWidget* parent, const FileRequest& request) override;
+};

@@ -1,0 +1,321 @@
+// Building the window: every control with its name, caption, font, colour and place.
+#include "app/artwork.h"
+#include "app/formmarvolendo.h"
+#include "app/look.h"
+#include "files/adodatacontrol.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTimer>
+
+namespace {
+
+QFont sansFont(qreal points, bool bold = false)
+{
+    QFont font(QStringLiteral("Sans Serif"));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPointSizeF(points);
+    font.setBold(bold);
+    return font;
+}
+
+template <typename W> W* make(QWidget* parent, const QString& name)
+{
+    auto* w = new W(parent);
+    w->setObjectName(name);
+    return w;
+}
+
+QLabel* label(QWidget* parent, const QString& name, const QString& caption, const QFont& font,
+              Qt::Alignment align = Qt::AlignLeft | Qt::AlignVCenter)
+{
+    auto* l = make<QLabel>(parent, name);
+    l->setText(caption);
+    l->setFont(font);
+    l->setAlignment(align);
+    return l;
+}
+
+QPushButton* pictureButton(QWidget* parent, const QString& name, const QIcon& icon,
+                           const QString& tip)
+{
+    auto* b = make<QPushButton>(parent, name);
+    b->setIcon(icon);
+    b->setIconSize(QSize(22, 22));
+    b->setToolTip(tip);
+    b->setFocusPolicy(Qt::TabFocus);
+    return b;
+}
+
+} // namespace
+
+void FormMarvolendo::buildControls()
+{
+    auto* area = new QWidget(this);
+    area->setObjectName(QStringLiteral("area"));
+    setCentralWidget(area);
+
+    const QFont clockFont = sansFont(26, true);
+    const QFont titleFont = sansFont(7.5);
+    const QFont timeFont = sansFont(11, true);
+
+    // Frame2 stands behind the clock and its buttons; Frame1 groups the results.
+    Frame2 = make<QGroupBox>(area, QStringLiteral("Frame2"));
+    look::place(Frame2, 60, 0, 4335, 1650);
+    Frame2->setFlat(true);
+    Frame2->setStyleSheet(QStringLiteral("QGroupBox#Frame2 { border: none; }"));
+
+    // Top row: run control and the picture buttons.
+    Command1[0] = make<QPushButton>(area, QStringLiteral("Command1(0)"));
+    Command1[0]->setText(QStringLiteral("Start"));
+    Command1[1] = make<QPushButton>(area, QStringLiteral("Command1(1)"));
+    Command1[1]->setText(QStringLiteral("Stop"));
+    for (QPushButton* b : Command1) {
+        b->setFont(sansFont(10, true));
+        look::place(b, 120, 45, 1095, 420);
+    }
+    Command1[1]->setVisible(false);
+    Command2[0] = make<QPushButton>(area, QStringLiteral("Command2(0)"));
+    Command2[0]->setText(QStringLiteral("+"));
+    Command2[1] = make<QPushButton>(area, QStringLiteral("Command2(1)"));
+    Command2[1]->setText(QStringLiteral("-"));
+    for (int i = 0; i < 2; ++i) {
+        Command2[i]->setFont(sansFont(11, true));
+        look::place(Command2[i], 1260 + i * 450, 45, 420, 420);
+    }
+    Command2[0]->setToolTip(QStringLiteral("Adelantar el reloj un minuto"));
+    Command2[1]->setToolTip(QStringLiteral("Retrasar el reloj un minuto"));
+    Command4 = pictureButton(area, QStringLiteral("Command4"), artwork::clearIcon(),
+                             QStringLiteral("Borrar todos los tiempos"));
+    look::place(Command4, 2220, 45, 480, 420);
+    Label18 = label(area, QStringLiteral("Label18"), QStringLiteral("0"), sansFont(12, true),
+                    Qt::AlignCenter);
+    look::place(Label18, 2760, 45, 555, 420);
+    Label18->setToolTip(QStringLiteral("Cuenta atras hasta la salida seleccionada"));
+    Command6 = pictureButton(area, QStringLiteral("Command6"), artwork::exportIcon(),
+                             QStringLiteral("Crea un fichero en C:\\carreras\\copias / Tiempos-Marvo.TXT"));
+    look::place(Command6, 3360, 0, 480, 420);
+    Command5 = pictureButton(area, QStringLiteral("Command5"), artwork::saveAndEndIcon(),
+                             QStringLiteral("Guardar y salir"));
+    look::place(Command5, 3840, 0, 480, 420);
+
+    // The clock: hh:mm:ss, the fraction beside it, the thousandths and the seconds bar.
+    Label1 = label(area, QStringLiteral("Label1"), QStringLiteral("00:00:00"), clockFont,
+                   Qt::AlignCenter);
+    look::place(Label1, 120, 495, 3015, 585);
+    Label6 = label(area, QStringLiteral("Label6"), QStringLiteral("000"), sansFont(20, true),
+                   Qt::AlignLeft | Qt::AlignVCenter);
+    look::place(Label6, 3120, 495, 1215, 585);
+    ProgressBar1 = make<QProgressBar>(area, QStringLiteral("ProgressBar1"));
+    ProgressBar1->setRange(0, 59);
+    ProgressBar1->setValue(0);
+    ProgressBar1->setTextVisible(false);
+    look::place(ProgressBar1, 120, 1110, 3615, 90);
+    Label3 = label(area, QStringLiteral("Label3"), QStringLiteral("000"), sansFont(7),
+                   Qt::AlignRight | Qt::AlignVCenter);
+    look::place(Label3, 3765, 1065, 570, 180);
+    look::setFore(Label3, look::grey);
+
+    // The recording row: "Lap" (or the bib field) and the rank counter.
+    Command3 = make<QPushButton>(area, QStringLiteral("Command3"));
+    Command3->setText(QStringLiteral("Lap"));
+    Command3->setFont(sansFont(14, true));
+    look::place(Command3, 120, 1260, 3135, 525);
+    Command3->setEnabled(false);
+    Text1 = make<QLineEdit>(area, QStringLiteral("Text1"));
+    Text1->setMaxLength(4);
+    Text1->setFont(sansFont(18));
+    Text1->setAlignment(Qt::AlignCenter);
+    Text1->setToolTip(QStringLiteral("Dorsal del corredor que llega; Intro toma el tiempo"));
+    look::place(Text1, 960, 1080, 1455, 525);
+    Text1->setVisible(false);
+    Text1->setEnabled(false);
+    Label2 = label(area, QStringLiteral("Label2"), QStringLiteral("0"), sansFont(16, true),
+                   Qt::AlignCenter);
+    Label2->setToolTip(QStringLiteral("Llegados"));
+    look::place(Label2, 3360, 1260, 975, 525);
+
+    // The results area.
+    Frame1 = make<QGroupBox>(area, QStringLiteral("Frame1"));
+    Frame1->setTitle(QStringLiteral("Tiempos Parciales"));
+    look::place(Frame1, 120, 2040, 4215, 1815);
+    Label9 = label(Frame1, QStringLiteral("Label9"), QStringLiteral("Tiempo del Primero"), titleFont);
+    look::place(Label9, 120, 225, 1950, 225);
+    Label10 = label(Frame1, QStringLiteral("Label10"), QStringLiteral("Diferencia con el Primero"), titleFont);
+    look::place(Label10, 2145, 225, 1950, 225);
+    Label4 = label(Frame1, QStringLiteral("Label4"), QStringLiteral("00:00:00:000"), timeFont, Qt::AlignCenter);
+    look::place(Label4, 120, 450, 1950, 345);
+    Label7 = label(Frame1, QStringLiteral("Label7"), QStringLiteral("0:00:00:000"), timeFont, Qt::AlignCenter);
+    look::place(Label7, 2145, 450, 1950, 345);
+    Label12 = label(Frame1, QStringLiteral("Label12"), QStringLiteral("Ultimo en llegar"), titleFont);
+    look::place(Label12, 120, 840, 1950, 225);
+    Label11 = label(Frame1, QStringLiteral("Label11"), QStringLiteral("Diferencia con el Primero"), titleFont);
+    look::place(Label11, 2145, 840, 1950, 225);
+    Label5 = label(Frame1, QStringLiteral("Label5"), QStringLiteral("00:00:00:000"), timeFont, Qt::AlignCenter);
+    look::place(Label5, 120, 1065, 1950, 345);
+    Label8 = label(Frame1, QStringLiteral("Label8"), QStringLiteral("0:00:00:000"), timeFont, Qt::AlignCenter);
+    look::place(Label8, 2145, 1065, 1950, 345);
+    Label13 = label(Frame1, QStringLiteral("Label13"), QStringLiteral("Tiempos"), titleFont);
+    look::place(Label13, 120, 1470, 735, 270);
+    Combo1 = make<QComboBox>(Frame1, QStringLiteral("Combo1"));
+    Combo1->setFont(look::fixedFont(10));
+    Combo1->setFocusPolicy(Qt::ClickFocus);
+    look::place(Combo1, 870, 1425, 3225, 330);
+    for (QLabel* l : {Label4, Label7, Label5, Label8})
+        look::setColours(l, look::lightGrey, Qt::black);
+    for (QLabel* l : {Label4, Label7, Label5, Label8})
+        l->setEnabled(false);
+
+    // The results list with its header, the line under correction and the correction field.
+    Label16 = label(area, QStringLiteral("Label16"), QStringLiteral(" Ord. Dor.  Tiempo      Diferen."),
+                    look::fixedFont(9));
+    look::place(Label16, 4440, 0, 4335, 240);
+    List1 = make<QListWidget>(area, QStringLiteral("List1"));
+    List1->setFont(look::fixedFont(9));
+    List1->setUniformItemSizes(true);
+    look::place(List1, 4440, 240, 4335, 3420);
+    Label14 = label(area, QStringLiteral("Label14"), QString(), look::fixedFont(9));
+    look::place(Label14, 4440, 3690, 4335, 240);
+    Label15 = label(area, QStringLiteral("Label15"),
+                    QStringLiteral("Pulsar 'doble click' sobre la lista para cambiar el dorsal"),
+                    titleFont);
+    look::place(Label15, 3600, 3960, 3900, 240);
+    Text2 = make<QLineEdit>(area, QStringLiteral("Text2"));
+    Text2->setFont(sansFont(13.5));
+    Text2->setAlignment(Qt::AlignCenter);
+    Text2->setEnabled(false);
+    Text2->setToolTip(QStringLiteral("Dorsal corregido; Intro lo escribe en la linea"));
+    look::place(Text2, 7560, 3840, 1215, 450);
+    for (QWidget* w : {static_cast<QWidget*>(Label14), static_cast<QWidget*>(Label15),
+                       static_cast<QWidget*>(Label16), static_cast<QWidget*>(List1),
+                       static_cast<QWidget*>(Text2)})
+        w->setVisible(false);
+
+    // The start order and the picture of the bibs-and-times mode.
+    Command7 = make<QPushButton>(area, QStringLiteral("Command7"));
+    Command7->setText(QStringLiteral("Cargar orden de salida"));
+    look::place(Command7, 8880, 0, 2700, 420);
+    Command8 = pictureButton(area, QStringLiteral("Command8"), artwork::emptyListIcon(),
+                             QStringLiteral("Vaciar el orden de salida"));
+    look::place(Command8, 11640, 0, 480, 420);
+    List2 = make<QListWidget>(area, QStringLiteral("List2"));
+    List2->setFont(look::fixedFont(9));
+    List2->setUniformItemSizes(true);
+    look::place(List2, 8880, 465, 3240, 1890);
+    Image1 = make<QLabel>(area, QStringLiteral("Image1"));
+    Image1->setPixmap(artwork::finishLine());
+    Image1->setScaledContents(true);
+    look::place(Image1, 8880, 2445, 2925, 1755);
+    Image1->setVisible(false);
+
+    // The "GUARDADO" notice of the results files.
+    Frame3 = make<QGroupBox>(area, QStringLiteral("Frame3"));
+    look::place(Frame3, 1200, 1260, 2115, 525);
+    Label17 = label(Frame3, QStringLiteral("Label17"), QStringLiteral("GUARDADO"), sansFont(14, true),
+                    Qt::AlignCenter);
+    look::place(Label17, 30, 30, 2055, 465);
+    look::setColours(Frame3, look::darkRed, Qt::white);
+    Frame3->setAutoFillBackground(true);
+    look::setColours(Label17, look::darkRed, Qt::white);
+    Frame3->setVisible(false);
+
+    // The notice of a failed save: no focus, no click.
+    aviso = make<QLabel>(area, QStringLiteral("aviso"));
+    aviso->setWordWrap(true);
+    aviso->setFont(sansFont(8, true));
+    aviso->setFocusPolicy(Qt::NoFocus);
+    aviso->setAttribute(Qt::WA_TransparentForMouseEvents);
+    look::setColours(aviso, QColor(255, 220, 120), QColor(100, 0, 0));
+    aviso->setVisible(false);
+    avisoTimer = new QTimer(this);
+    avisoTimer->setSingleShot(true);
+    avisoTimer->setInterval(15000);
+    guardadoTimer = new QTimer(this);
+    guardadoTimer->setSingleShot(true);
+    guardadoTimer->setInterval(1000);
+
+    Timer1 = new QTimer(this);
+    Timer1->setObjectName(QStringLiteral("Timer1"));
+    Timer2 = new QTimer(this);
+    Timer2->setObjectName(QStringLiteral("Timer2"));
+    Adodc1 = new AdoDataControl(this);
+    Adodc1->setObjectName(QStringLiteral("Adodc1"));
+}
+
+void FormMarvolendo::buildMenus()
+{
+    op1 = menuBar()->addMenu(QStringLiteral("Opciones"));
+    op1->setObjectName(QStringLiteral("op1"));
+    const QString formats[3] = {QStringLiteral("Segundos"), QStringLiteral("Centesimas"),
+                                QStringLiteral("Milesimas")};
+    for (int i = 0; i < 3; ++i) {
+        op2[i] = op1->addAction(formats[i]);
+        op2[i]->setObjectName(QStringLiteral("op2(%1)").arg(i));
+        op2[i]->setCheckable(true);
+    }
+    op2[2]->setChecked(true);
+    opp = op1->addSeparator();
+    opp->setObjectName(QStringLiteral("opp"));
+    opp2 = op1->addAction(QStringLiteral("Activar captura de dorsales y tiempos"));
+    opp2->setObjectName(QStringLiteral("opp2"));
+    opp2->setCheckable(true);
+    opp22 = op1->addAction(QStringLiteral("Activar solo captura de dorsales"));
+    opp22->setObjectName(QStringLiteral("opp22"));
+    opp22->setCheckable(true);
+    opp3 = op1->addSeparator();
+    opp3->setObjectName(QStringLiteral("opp3"));
+    opp4 = op1->addAction(QStringLiteral("Minimizar"));
+    opp4->setObjectName(QStringLiteral("opp4"));
+    opp4->setCheckable(true);
+    hhora = menuBar()->addAction(QStringLiteral("hora"));
+    hhora->setObjectName(QStringLiteral("hhora"));
+}
+
+void FormMarvolendo::connectHandlers()
+{
+    connect(Command1[0], &QPushButton::clicked, this, [this] { Command1_Click(0); });
+    connect(Command1[1], &QPushButton::clicked, this, [this] { Command1_Click(1); });
+    connect(Command2[0], &QPushButton::clicked, this, [this] { Command2_Click(0); });
+    connect(Command2[1], &QPushButton::clicked, this, [this] { Command2_Click(1); });
+    connect(Command3, &QPushButton::clicked, this, &FormMarvolendo::recordFinish);
+    connect(Command4, &QPushButton::clicked, this, &FormMarvolendo::Command4_Click);
+    connect(Command5, &QPushButton::clicked, this, &FormMarvolendo::Command5_Click);
+    connect(Command6, &QPushButton::clicked, this, &FormMarvolendo::Command6_Click);
+    connect(Command7, &QPushButton::clicked, this, &FormMarvolendo::Command7_Click);
+    connect(Command8, &QPushButton::clicked, this, &FormMarvolendo::Command8_Click);
+    connect(Timer1, &QTimer::timeout, this, &FormMarvolendo::Timer1_Timer);
+    connect(Timer2, &QTimer::timeout, this, &FormMarvolendo::Timer2_Timer);
+    for (int i = 0; i < 3; ++i)
+        connect(op2[i], &QAction::triggered, this, [this, i] { op2_Click(i); });
+    connect(opp2, &QAction::triggered, this, &FormMarvolendo::opp2_Click);
+    connect(opp22, &QAction::triggered, this, &FormMarvolendo::opp22_Click);
+    connect(opp4, &QAction::triggered, this, &FormMarvolendo::opp4_Click);
+    connect(List1, &QListWidget::itemClicked, this, &FormMarvolendo::List1_Click);
+    connect(List1, &QListWidget::currentRowChanged, this, &FormMarvolendo::List1_Click);
+    connect(List2, &QListWidget::itemClicked, this, &FormMarvolendo::List2_Click);
+    connect(avisoTimer, &QTimer::timeout, aviso, &QLabel::hide);
+    connect(guardadoTimer, &QTimer::timeout, Frame3, &QGroupBox::hide);
+
+    // The function keys reach the window before any control, also while a field has the focus.
+    for (const Qt::Key key : {Qt::Key_F1, Qt::Key_F3}) {
+        auto* shortcut = new QShortcut(QKeySequence(key), this);
+        shortcut->setContext(Qt::WindowShortcut);
+        shortcut->setAutoRepeat(false);
+        connect(shortcut, &QShortcut::activated, this,
+                [this, key] { Form_KeyDown(key == Qt::Key_F1 ? 112 : 114, Qt::NoModifier); });
+    }
+
+    // Key presses, double-clicks and focus changes of the fields and the list.
+    Text1->installEventFilter(this);
+    Text2->installEventFilter(this);
+    List1->viewport()->installEventFilter(this);
+}

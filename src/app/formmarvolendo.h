@@ -1,0 +1,193 @@
+// The stopwatch window. It holds the whole race for the life of the process: a handful of
+// window-level values and, above all, the lines of List1, Combo1 and List2, which are the race
+// record itself. Every operation is the handler of one event of one control; the handlers of
+// each subsystem are defined beside that subsystem's logic:
+//   src/app      start-up, restore, the state file, clearing, the compact window
+//   src/chrono   run control, the clock tick, the time-format and capture-mode options
+//   src/results  recording a finish, the list handlers
+//   src/entry    the bib fields
+//   src/files    results files, start-order import, the readings database link
+#pragma once
+
+#include "app/core/racestate.h"
+#include "app/core/statefile.h"
+#include "entry/core/entrada.h"
+#include "app/dialogs.h"
+
+#include <QMainWindow>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+class Clock;
+class QAction;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QMenu;
+class QProgressBar;
+class QPushButton;
+class QTimer;
+class AdoDataControl;
+namespace readings {
+class ReadingsLink;
+}
+
+class FormMarvolendo : public QMainWindow {
+    Q_OBJECT
+
+public:
+    // The window runs Form_Load as it is built. The clock and the dialogs outlive it.
+    FormMarvolendo(Clock& clock, Dialogs& dialogs, QWidget* parent = nullptr);
+    ~FormMarvolendo() override;
+
+    // --- procedures other parts of the window call ---
+    void marcar();
+    void recuperar();
+    bool guardarEstado();
+    void carregar(const QString& cami);
+    void controles();
+    void tempsMarvo(double tempsInicial, QString& temps);
+
+    // --- handlers ---
+    void Form_Load();
+    void Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift);
+    void Command1_Click(int index);
+    void Command2_Click(int index);
+    void Command3_Click();
+    void Command4_Click();
+    void Command5_Click();
+    void Command6_Click();
+    void Command7_Click();
+    void Command8_Click();
+    void Timer1_Timer();
+    void Timer2_Timer();
+    void op2_Click(int index);
+    void opp2_Click();
+    void opp22_Click();
+    void opp4_Click();
+    void List1_Click();
+    void List1_DblClick();
+    void List2_Click();
+    void Text1_GotFocus();
+    void Text1_KeyPress(int& keyAscii);
+    void Text1_DblClick();
+    void Text1_LostFocus();
+    void Text2_GotFocus();
+    void Text2_KeyPress(int& keyAscii);
+    void Text2_DblClick();
+    void Text2_LostFocus();
+
+    // A short notice in the window for a failure the operator must know of while timing: it
+    // takes no focus and needs no click.
+    void avisar(const QString& text);
+
+signals:
+    // Emitted when the program is to end (Command5); main() quits the application on it.
+    void terminar();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    // Window-level values of the race.
+    double inicio = 0;
+    double desfase = 0;
+    QString horaSalida;
+    QString intervalo;
+    QString tempsActual;
+    QString tempsPrimer;
+    QString tempsText;
+    Variant formato = 2.0;
+    Variant modoCaptura;
+    QString carpeta;
+    int respuesta = 0;
+    qint16 errores = 0;
+    // The field that has the focus, as the keystroke filter sees it.
+    double tipoCampo = 0;
+    double minCampo = 0;
+    double maxCampo = 0;
+    int enterCampo = 0;
+    EntradaState entradaState;
+
+    // The lists read from the state file at start-up, put back by the first recuperar.
+    std::optional<statefile::Restored> restored;
+
+    // Controls, named as the operator's manual and the handlers know them.
+    QPushButton* Command1[2] = {};
+    QPushButton* Command2[2] = {};
+    QPushButton* Command3 = nullptr;
+    QPushButton* Command4 = nullptr;
+    QPushButton* Command5 = nullptr;
+    QPushButton* Command6 = nullptr;
+    QPushButton* Command7 = nullptr;
+    QPushButton* Command8 = nullptr;
+    QLineEdit* Text1 = nullptr;
+    QLineEdit* Text2 = nullptr;
+    QListWidget* List1 = nullptr;
+    QListWidget* List2 = nullptr;
+    QComboBox* Combo1 = nullptr;
+    QLabel* Label1 = nullptr;
+    QLabel* Label2 = nullptr;
+    QLabel* Label3 = nullptr;
+    QLabel* Label4 = nullptr;
+    QLabel* Label5 = nullptr;
+    QLabel* Label6 = nullptr;
+    QLabel* Label7 = nullptr;
+    QLabel* Label8 = nullptr;
+    QLabel* Label9 = nullptr;
+    QLabel* Label10 = nullptr;
+    QLabel* Label11 = nullptr;
+    QLabel* Label12 = nullptr;
+    QLabel* Label13 = nullptr;
+    QLabel* Label14 = nullptr;
+    QLabel* Label15 = nullptr;
+    QLabel* Label16 = nullptr;
+    QLabel* Label17 = nullptr;
+    QLabel* Label18 = nullptr;
+    QGroupBox* Frame1 = nullptr;
+    QGroupBox* Frame2 = nullptr;
+    QGroupBox* Frame3 = nullptr;
+    QProgressBar* ProgressBar1 = nullptr;
+    QTimer* Timer1 = nullptr;
+    QTimer* Timer2 = nullptr;
+    QLabel* Image1 = nullptr;
+    AdoDataControl* Adodc1 = nullptr;
+    FileRequest CommonDialog1;
+    QLabel* aviso = nullptr;
+    QTimer* avisoTimer = nullptr;
+    QTimer* guardadoTimer = nullptr;
+
+    QMenu* op1 = nullptr;
+    QAction* op2[3] = {};
+    QAction* opp = nullptr;
+    QAction* opp2 = nullptr;
+    QAction* opp22 = nullptr;
+    QAction* opp3 = nullptr;
+    QAction* opp4 = nullptr;
+    QAction* hhora = nullptr;
+
+    std::unique_ptr<readings::ReadingsLink> conexion;
+    Clock& clock;
+    Dialogs& dialogs;
+
+    // Building the window (formlayout.cpp).
+    void buildControls();
+    void buildMenus();
+    void connectHandlers();
+
+    // Helpers shared by the handlers.
+    void conectarLecturas();
+    void guardarSalidas();
+    void recordFinish(); // a fresh tick, then the Lap: a finish is stamped when it arrives
+    void rewriteCorrectedLine();
+    int checkedFormat() const; // index of the first checked op2 entry, -1 when none
+    RaceState currentState() const;
+    void setFormTwips(int widthTwips, int heightTwips);
+    void setFormWidthTwips(int widthTwips);
+    void setFormHeightTwips(int heightTwips);
+};

@@ -1,0 +1,153 @@
+#include "look.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPalette>
+#include <QPushButton>
+#include <QWidget>
+
+namespace look {
+
+void place(QWidget* w, int left, int top, int width, int height)
+{
+    w->setGeometry(px(left), px(top), px(width), px(height));
+}
+
+void move(QWidget* w, int left, int top)
+{
+    w->move(px(left), px(top));
+}
+
+void setLeft(QWidget* w, int left)
+{
+    w->move(px(left), w->y());
+}
+
+void setWidth(QWidget* w, int width)
+{
+    w->resize(px(width), w->height());
+}
+
+void setHeight(QWidget* w, int height)
+{
+    w->resize(w->width(), px(height));
+}
+
+int width(const QWidget* w)
+{
+    return twips(w->width());
+}
+
+QColor windowText()
+{
+    return QApplication::palette().color(QPalette::WindowText);
+}
+
+QColor windowBackground()
+{
+    return QApplication::palette().color(QPalette::Base);
+}
+
+QColor buttonText()
+{
+    return QApplication::palette().color(QPalette::ButtonText);
+}
+
+QColor buttonShadow()
+{
+    return QApplication::palette().color(QPalette::Dark);
+}
+
+namespace {
+
+// Which palette roles carry the background and the text of a kind of control.
+void roles(const QWidget* w, QPalette::ColorRole* back, QPalette::ColorRole* fore)
+{
+    if (qobject_cast<const QLabel*>(w)) {
+        *back = QPalette::Window;
+        *fore = QPalette::WindowText;
+    } else if (qobject_cast<const QPushButton*>(w)) {
+        *back = QPalette::Button;
+        *fore = QPalette::ButtonText;
+    } else {
+        *back = QPalette::Base;
+        *fore = QPalette::Text;
+    }
+}
+
+void setRole(QWidget* w, bool background, const QColor& colour)
+{
+    QPalette::ColorRole back = QPalette::Window;
+    QPalette::ColorRole fore = QPalette::WindowText;
+    roles(w, &back, &fore);
+    const QPalette::ColorRole role = background ? back : fore;
+    if (background && role == QPalette::Window && !w->autoFillBackground())
+        w->setAutoFillBackground(true);
+    QPalette palette = w->palette();
+    if (palette.color(QPalette::Active, role) == colour &&
+        palette.color(QPalette::Inactive, role) == colour &&
+        palette.color(QPalette::Disabled, role) == colour)
+        return;
+    palette.setColor(role, colour);
+    w->setPalette(palette);
+}
+
+} // namespace
+
+void setColours(QWidget* w, const QColor& backColour, const QColor& foreColour)
+{
+    setRole(w, true, backColour);
+    setRole(w, false, foreColour);
+}
+
+void setBack(QWidget* w, const QColor& colour)
+{
+    setRole(w, true, colour);
+}
+
+void setFore(QWidget* w, const QColor& colour)
+{
+    setRole(w, false, colour);
+}
+
+QColor back(const QWidget* w)
+{
+    QPalette::ColorRole b = QPalette::Window;
+    QPalette::ColorRole f = QPalette::WindowText;
+    roles(w, &b, &f);
+    return w->palette().color(b);
+}
+
+QColor fore(const QWidget* w)
+{
+    QPalette::ColorRole b = QPalette::Window;
+    QPalette::ColorRole f = QPalette::WindowText;
+    roles(w, &b, &f);
+    return w->palette().color(f);
+}
+
+QFont fixedFont(qreal pointSize)
+{
+    QFont font(QStringLiteral("Courier New"));
+    font.setStyleHint(QFont::Monospace);
+    if (!QFontInfo(font).fixedPitch())
+        font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPointSizeF(pointSize);
+    return font;
+}
+
+void setPointSize(QWidget* w, qreal pointSize)
+{
+    if (w->font().pointSizeF() == pointSize)
+        return;
+    QFont font = w->font();
+    font.setPointSizeF(pointSize);
+    w->setFont(font);
+}
+
+} // namespace look

@@ -1,0 +1,20 @@
+// Where the stopwatch reads the time. The window takes a Clock so that tests can drive it.
+#pragma once
+
+#include <QTime>
+
+class Clock {
+public:
+    virtual ~Clock() = default;
+    // Seconds since local midnight, with millisecond resolution at least. Taken from the wall
+    // clock, so a program started again reads the same race clock.
+    virtual double timer() const = 0;
+    // The time of day, read from the same clock.
+    virtual QTime timeOfDay() const = 0;
+};
+
+class SystemClock final : public Clock {
+public:
+    double timer() const override;
+    QTime timeOfDay() const override;
+};

@@ -1,0 +1,97 @@
+#include "timevalue.h"
+
+#include "app/core/basic.h"
+
+#include <cmath>
+
+namespace timevalue {
+
+namespace {
+
+// The digits of a field with "00" (or "000") in front, the last two (or three) kept.
+QString lastDigits(double field, qsizetype width)
+{
+    return basic::right(QString(width, u'0') + QString::number(static_cast<qint64>(field)), width);
+}
+
+} // namespace
+
+QString tempsexaMil(double tempsdeci)
+{
+    if (!std::isfinite(tempsdeci))
+        tempsdeci = 0;
+    double h = std::floor(tempsdeci);
+    const double mdec = (tempsdeci - h) * 60.0;
+    double m = std::floor(mdec);
+    if (m == 60) {
+        m = 0;
+        h += 1;
+    }
+    const double sdec = (mdec - m) * 60.0;
+    double s = std::floor(sdec);
+    if (s == 60) {
+        s = 0;
+        m += 1;
+        if (m == 60) {
+            m = 0;
+            h += 1;
+        }
+    }
+    double ms = std::nearbyint((sdec - s) * 1000.0); // ties to even
+    if (ms == 1000) {
+        ms = 0;
+        s += 1;
+        if (s == 60) {
+            s = 0;
+            m += 1;
+        }
+        if (m == 60) {
+            m = 0;
+            h += 1;
+        }
+    }
+    // Only the last two digits of the hours are shown; keep the number small enough to print
+    // while keeping those digits and the sign.
+    h = std::fmod(h, 1000.0);
+    return lastDigits(h, 2) + u':' + lastDigits(m, 2) + u':' + lastDigits(s, 2) + u':' +
+           lastDigits(ms, 3);
+}
+
+double decimalMil(QStringView temps)
+{
+    const double h = basic::val(basic::left(temps, 2));
+    const double m = basic::val(basic::mid(temps, 4, 2));
+    const double s = basic::val(basic::mid(temps, 7, 2));
+    const double f = basic::val(basic::right(temps, 3));
+    return h + ((f / 1000.0 + s) / 60.0 + m) / 60.0;
+}
+
+QString clockTemplate(TimeFormat format)
+{
+    switch (format) {
+    case TimeFormat::Segundos:
+        return QStringLiteral("00:00:00");
+    case TimeFormat::Centesimas:
+        return QStringLiteral("00:00:00:00");
+    case TimeFormat::Milesimas:
+        break;
+    }
+    return QStringLiteral("00:00:00:000");
+}
+
+QString shortTemplate(TimeFormat format)
+{
+    return clockTemplate(format).mid(1);
+}
+
+int timeWidth(TimeFormat format)
+{
+    return static_cast<int>(clockTemplate(format).size());
+}
+
+int differenceWidth(TimeFormat format)
+{
+    return timeWidth(format) - 1;
+}
+
+} // namespace timevalue

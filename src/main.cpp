@@ -1,0 +1,19 @@
+#include "app/dialogs.h"
+#include "app/formmarvolendo.h"
+#include "chrono/core/clock.h"
+
+#include <QApplication>
+#include <QStyleFactory>
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Marvolendo"));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    SystemClock clock;
+    QtDialogs dialogs;
+    FormMarvolendo form(clock, dialogs);
+    QObject::connect(&form, &FormMarvolendo::terminar, &app, &QApplication::quit);
+    form.show();
+    return app.exec();
+}
