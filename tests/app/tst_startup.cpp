@@ -1,0 +1,162 @@
+#include "app/core/statefile.h"
+#include "support/formfixture.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTimer>
+
+class StartupTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void firstStartWithoutStateFile();
+    void resumesARunningRaceWithAFirstFinisher();
+    void restoredListsContinueTheNumbering();
+    void garbageStateFileOpensStopped();
+    void restoredFormatAndEmptyMode();
+    void keysAndButtonsOfTheWindow();
+};
+
+namespace {
+
+RaceState runningRace()
+{
+    RaceState s;
+    s.inicio = 9 * 3600.0; // started at 09:00:00
+    s.desfase = 0;
+    s.horaSalida = QStringLiteral("09:00");
+    s.tempsPrimer = QStringLiteral("00:12:30:125");
+    s.label5 = QStringLiteral("00:14:02:500");
+    s.label8 = QStringLiteral("0:01:32:375");
+    s.formato = 2.0;
+    s.modoCaptura = 0.0;
+    s.combo1 = {QStringLiteral("   1- 00:12:30:125 - 0:00:00:000"),
+                QStringLiteral("   2- 00:14:02:500 - 0:01:32:375")};
+    s.list1 = {QStringLiteral("   1-  57- 00:12:30:125 - 0:00:00:000"),
+               QStringLiteral("   2- 112- 00:14:02:500 - 0:01:32:375")};
+    s.list2 = {QStringLiteral("   1-  27 - 0:10:30")};
+    return s;
+}
+
+} // namespace
+
+void StartupTest::firstStartWithoutStateFile()
+{
+    FormFixture f;
+    FormMarvolendo& w = f.open();
+    QCOMPARE(w.windowTitle(), QStringLiteral("Marvolendo"));
+    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:00"));
+    QCOMPARE(f.label("Label4")->text(), QStringLiteral("00:00:00:000"));
+    QCOMPARE(f.label("Label7")->text(), QStringLiteral("0:00:00:000"));
+    QVERIFY(f.action("op2(2)")->isChecked());
+    QVERIFY(!f.action("op2(0)")->isChecked());
+    QVERIFY(!f.child<QTimer>("Timer1")->isActive());
+    QVERIFY(f.child<QTimer>("Timer2")->isActive());
+    QVERIFY(f.lines("List1").isEmpty());
+    QVERIFY(f.lines("List2").isEmpty());
+    QVERIFY(f.comboLines().isEmpty());
+    // The "Lap" mode layout: the button, no bib field, the narrow window.
+    QVERIFY(!f.button("Command3")->isHidden());
+    QVERIFY(f.child<QLineEdit>("Text1")->isHidden());
+    QVERIFY(!f.button("Command1(0)")->isHidden());
+    QVERIFY(f.button("Command1(1)")->isHidden());
+    QVERIFY(!f.action("opp2")->isChecked());
+    QVERIFY(f.action("op2(0)")->isEnabled());
+    QVERIFY(f.dialogs.shown.isEmpty());
+    QVERIFY(!QFile::exists(f.path("MARVO.dat"))); // opening writes nothing
+}
+
+void StartupTest::resumesARunningRaceWithAFirstFinisher()
+{
+    FormFixture f;
+    f.writeFile("MARVO.dat", statefile::encode(runningRace()));
+    f.clock.seconds = 9 * 3600.0 + 15 * 60 + 1.25; // 09:15:01.250
+    f.open();
+    QVERIFY(f.child<QTimer>("Timer1")->isActive());
+    QVERIFY(!f.button("Command1(1)")->isHidden());
+    QVERIFY(f.button("Command1(0)")->isHidden());
+    QVERIFY(f.button("Command2(0)")->isHidden());
+    QVERIFY(f.button("Command2(1)")->isHidden());
+    QVERIFY(f.button("Command4")->isHidden());
+    QLabel* first = f.label("Label4");
+    QCOMPARE(first->text(), QStringLiteral("00:12:30:125"));
+    QCOMPARE(first->palette().color(QPalette::Window), QColor(128, 0, 0));
+    QCOMPARE(first->palette().color(QPalette::WindowText), QColor(Qt::white));
+    // The format menu stays locked while the race runs.
+    QVERIFY(!f.action("op2(0)")->isEnabled());
+    // The clock goes on from the saved start.
+    f.tick(0);
+    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:15:01"));
+    QCOMPARE(f.label("Label6")->text(), QStringLiteral("250"));
+    QCOMPARE(f.label("Label7")->text(), QStringLiteral("0:02:31:125"));
+}
+
+void StartupTest::restoredListsContinueTheNumbering()
+{
+    FormFixture f;
+    f.writeFile("MARVO.dat", statefile::encode(runningRace()));
+    f.open();
+    const RaceState s = runningRace();
+    QCOMPARE(f.lines("List1"), s.list1);
+    QCOMPARE(f.comboLines(), s.combo1);
+    QCOMPARE(f.lines("List2"), s.list2);
+    QCOMPARE(f.label("Label2")->text(), QStringLiteral("2"));
+    QCOMPARE(f.label("Label5")->text(), QStringLiteral("00:14:02:500"));
+    QCOMPARE(f.label("Label8")->text(), QStringLiteral("0:01:32:375"));
+}
+
+void StartupTest::garbageStateFileOpensStopped()
+{
+    FormFixture f;
+    f.writeFile("MARVO.dat", QByteArray("\x01\x02 garbage \xff\r\n 77 \r\n", 20));
+    f.open();
+    QVERIFY(!f.child<QTimer>("Timer1")->isActive());
+    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:00"));
+    QVERIFY(f.action("op2(2)")->isChecked());
+    QVERIFY(f.lines("List1").isEmpty());
+}
+
+void StartupTest::restoredFormatAndEmptyMode()
+{
+    // A stopped race in whole seconds whose file ends before the capture mode.
+    FormFixture f;
+    f.writeFile("MARVO.dat", " 0 \r\n 0 \r\n0    \r\n00:00:09\r\n\r\n\r\n 0 \r\n");
+    f.open();
+    QVERIFY(f.action("op2(0)")->isChecked());
+    QCOMPARE(f.label("Label4")->text(), QStringLiteral("00:00:00"));
+    QCOMPARE(f.label("Label7")->text(), QStringLiteral("0:00:00"));
+    QCOMPARE(f.label("Label1")->width(), 4215 / 15);
+    QVERIFY(!f.button("Command3")->isHidden()); // empty mode counts as the "Lap" mode
+}
+
+void StartupTest::keysAndButtonsOfTheWindow()
+{
+    FormFixture f;
+    RaceState s = runningRace();
+    s.inicio = 0;
+    f.writeFile("MARVO.dat", statefile::encode(s));
+    FormMarvolendo& w = f.open();
+    // Command8 empties the start order without asking.
+    f.click("Command8");
+    QVERIFY(f.lines("List2").isEmpty());
+    QVERIFY(f.dialogs.shown.isEmpty());
+    // Closing the window does not save.
+    const QByteArray before = f.readFile("MARVO.dat");
+    w.close();
+    QCOMPARE(f.readFile("MARVO.dat"), before);
+    // Command5 saves (the emptied start order) and ends.
+    f.close();
+    FormMarvolendo& again = f.open();
+    QSignalSpy ended(&again, &FormMarvolendo::terminar);
+    f.click("Command8");
+    f.click("Command5");
+    QCOMPARE(ended.count(), 1);
+    QVERIFY(f.readFile("MARVO.dat").endsWith(" 0 \r\n"));
+    QVERIFY(f.readFile("MARVO.dat").contains("   2- 112- 00:14:02:500 - 0:01:32:375\r\n"));
+}
+
+QTEST_MAIN(StartupTest)
+#include "tst_startup.moc"
