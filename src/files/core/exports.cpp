@@ -1,0 +1,116 @@
+#include "exports.h"
+
+#include "app/core/basic.h"
+#include "app/core/cp1252.h"
+#include "app/core/paths.h"
+#include "app/core/savefile.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace exports
+{
+
+namespace
+{
+
+constexpr qsizetype bibStart = 6;
+constexpr qsizetype bibLength = 4;
+constexpr qsizetype timeStart = 12;
+constexpr qsizetype splitTimeStart = 7;
+
+QString bib(const QString& line)
+{
+    return basic::mid(line, bibStart, bibLength);
+}
+
+// Every line of the files is short: reserving by the line count avoids regrowing.
+QByteArray reserved(const Source& source, qsizetype lineLength)
+{
+    QByteArray bytes;
+    bytes.reserve(source.list1.size() * (lineLength + 2));
+    return bytes;
+}
+
+void append(QByteArray& bytes, const QString& line)
+{
+    bytes += cp1252::encode(line);
+    bytes += "\r\n";
+}
+
+} // namespace
+
+QByteArray bibTimeLines(const Source& source)
+{
+    const qsizetype width = source.format ? timevalue::timeWidth(*source.format) : 0;
+    QByteArray bytes = reserved(source, bibLength + 1 + width);
+    for (const QString& line : source.list1)
+        append(bytes, bib(line) + u',' + basic::mid(line, timeStart, width));
+    return bytes;
+}
+
+QByteArray bibLines(const Source& source)
+{
+    QByteArray bytes = reserved(source, bibLength);
+    for (const QString& line : source.list1)
+        append(bytes, bib(line));
+    return bytes;
+}
+
+QByteArray splitTimeLines(const Source& source)
+{
+    if (!source.format)
+        return {};
+    const qsizetype width = timevalue::timeWidth(*source.format);
+    QByteArray bytes = reserved(source, width);
+    for (qsizetype i = 0; i < source.list1.size(); ++i) {
+        const QString split = i < source.combo1.size() ? source.combo1.at(i) : QString();
+        append(bytes, basic::mid(split, splitTimeStart, width));
+    }
+    return bytes;
+}
+
+QList<File> resultsFiles(const Source& source)
+{
+    if (!source.opp2)
+        return {{QString::fromLatin1(singleFile), splitTimeLines(source)}};
+    const QByteArray bibs = bibLines(source);
+    const QByteArray bibsAndTimes = bibTimeLines(source);
+    return {{QString::fromLatin1(dorsalesFile), bibs},
+            {QString::fromLatin1(dorsalesTiemposFile), bibsAndTimes},
+            {QString::fromLatin1(tiemposFile), bibs},
+            {QString::fromLatin1(tiemposSalidaFile), bibsAndTimes}};
+}
+
+File startTimesFile(const Source& source)
+{
+    return {QString::fromLatin1(tiemposSalidaFile),
+            source.opp2 ? bibTimeLines(source) : QByteArray()};
+}
+
+WriteResult write(const QList<File>& files)
+{
+    for (const File& file : files) {
+        const QString path = paths::local(file.windowsPath);
+        const QString reason = savefile::write(path, file.contents);
+        if (!reason.isEmpty()) {
+            const QString where = QDir::toNativeSeparators(QFileInfo(path).absolutePath());
+            return {file.windowsPath,
+                    QStringLiteral("No se pudieron guardar los resultados en %1: %2")
+                        .arg(where, reason)};
+        }
+    }
+    return {};
+}
+
+WriteResult exportResults(const Source& source)
+{
+    return write(resultsFiles(source));
+}
+
+WriteResult saveStartTimes(const Source& source)
+{
+    return write({startTimesFile(source)});
+}
+
+} // namespace exports
