@@ -1,12 +1,131 @@
-// The bib fields.
+// The bib fields: Text1 takes the bib of the runner crossing the line, Text2 the corrected bib
+// of the List1 line copied into Label14.
+#include "app/core/basic.h"
 #include "app/formmarvolendo.h"
+#include "app/look.h"
+#include "entry/core/entrada.h"
+#include "results/core/resultline.h"
 
-void FormMarvolendo::Text1_GotFocus() {}
-void FormMarvolendo::Text1_KeyPress(int& keyAscii) { Q_UNUSED(keyAscii); }
-void FormMarvolendo::Text1_DblClick() {}
-void FormMarvolendo::Text1_LostFocus() {}
-void FormMarvolendo::Text2_GotFocus() {}
-void FormMarvolendo::Text2_KeyPress(int& keyAscii) { Q_UNUSED(keyAscii); }
-void FormMarvolendo::Text2_DblClick() {}
-void FormMarvolendo::Text2_LostFocus() {}
-void FormMarvolendo::rewriteCorrectedLine() {}
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTimer>
+
+namespace
+{
+
+// The field's text without its trailing blanks, as the keystroke filter sees it.
+QString rightTrimmed(const QString& text)
+{
+    qsizetype end = text.size();
+    while (end > 0 && text.at(end - 1) == u' ')
+        --end;
+    return text.left(end);
+}
+
+// A bib field takes the focus with the caret after its last character and nothing selected.
+void caretToEnd(QLineEdit* field)
+{
+    field->deselect();
+    field->setCursorPosition(static_cast<int>(field->text().size()));
+    // Focus by Tab selects the whole text once this event is over: undo that then.
+    QTimer::singleShot(0, field, [field] {
+        if (field->hasFocus() && field->hasSelectedText() &&
+            field->selectedText() == field->text()) {
+            field->deselect();
+            field->setCursorPosition(static_cast<int>(field->text().size()));
+        }
+    });
+}
+
+} // namespace
+
+void FormMarvolendo::Text1_GotFocus()
+{
+    look::setColours(Text1, look::navy, look::windowBackground());
+    tipoCampo = 6;
+    maxCampo = 9999;
+    minCampo = 0;
+    caretToEnd(Text1);
+}
+
+void FormMarvolendo::Text1_KeyPress(int& keyAscii)
+{
+    const EntradaResult result = entrada(entradaState, keyAscii, static_cast<int>(tipoCampo),
+                                         rightTrimmed(Text1->text()), minCampo, maxCampo);
+    keyAscii = result.keyAscii;
+    enterCampo = result.enter ? 1 : 0;
+    if (result.message != RangeMessage::None)
+        dialogs.warn(this, rangeMessageTitle(result.message),
+                     rangeMessageText(result.message, result.bound));
+    if (enterCampo == 1) {
+        recordFinish();
+        Text1->setText(QString());
+    }
+}
+
+void FormMarvolendo::Text1_DblClick()
+{
+    int keyAscii = 13;
+    Text1_KeyPress(keyAscii);
+}
+
+void FormMarvolendo::Text1_LostFocus()
+{
+    look::setColours(Text1, look::olive, look::buttonText());
+}
+
+void FormMarvolendo::Text2_GotFocus()
+{
+    look::setColours(Text2, look::navy, look::windowBackground());
+    tipoCampo = 6;
+    maxCampo = 9999;
+    minCampo = 0;
+    caretToEnd(Text2);
+}
+
+void FormMarvolendo::Text2_KeyPress(int& keyAscii)
+{
+    const EntradaResult result = entrada(entradaState, keyAscii, static_cast<int>(tipoCampo),
+                                         rightTrimmed(Text2->text()), minCampo, maxCampo);
+    keyAscii = result.keyAscii;
+    enterCampo = result.enter ? 1 : 0;
+    if (result.message != RangeMessage::None)
+        dialogs.warn(this, rangeMessageTitle(result.message),
+                     rangeMessageText(result.message, result.bound));
+    if (enterCampo == 1 && !Text2->text().isEmpty())
+        rewriteCorrectedLine();
+}
+
+void FormMarvolendo::Text2_DblClick()
+{
+    int keyAscii = 13;
+    Text2_KeyPress(keyAscii);
+}
+
+void FormMarvolendo::Text2_LostFocus()
+{
+    look::setColours(Text2, look::lightYellow, look::windowText());
+    Text2->setEnabled(false);
+}
+
+void FormMarvolendo::rewriteCorrectedLine()
+{
+    // The line is found by the rank printed in it: line k of List1 is the finisher of rank
+    // k + 1. A line that cannot be placed leaves the list, Label14 and Text2 as they are.
+    const std::optional<QString> line = resultline::rewriteBib(Label14->text(), Text2->text());
+    if (!line) {
+        avisar(QStringLiteral("No se puede corregir: no hay ninguna linea de la lista elegida"));
+        return;
+    }
+    const int index = resultline::lineIndexOfRank(*line);
+    if (index < 0 || index >= List1->count()) {
+        avisar(QStringLiteral("No se puede corregir: la linea %1 no esta en la lista")
+                   .arg(basic::left(*line, 4).trimmed()));
+        return;
+    }
+    Label14->setText(*line);
+    List1->item(index)->setText(*line);
+    Text2->setText(QString());
+    Label14->setText(QString());
+}
