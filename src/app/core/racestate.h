@@ -27,4 +27,6 @@ struct RaceState {
     QStringList combo1;    // results lines without bib
     QStringList list1;     // results lines
     QStringList list2;     // start order
+
+    bool operator==(const RaceState&) const = default;
 };

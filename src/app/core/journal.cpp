@@ -1,0 +1,362 @@
+#include "journal.h"
+
+#include "basic.h"
+#include "cp1252.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace journal {
+
+namespace {
+
+// An entry is one line: its kind, its fields separated by tabs, and a checksum of what precedes
+// it, so that a line cut off by a crash is recognised and left out.
+QByteArray escape(const QString& text)
+{
+    QByteArray out;
+    const QByteArray bytes = cp1252::encode(text);
+    out.reserve(bytes.size());
+    for (const char c : bytes) {
+        switch (c) {
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        default:
+            out += c;
+        }
+    }
+    return out;
+}
+
+QString unescape(QByteArrayView field)
+{
+    QByteArray out;
+    out.reserve(field.size());
+    for (qsizetype i = 0; i < field.size(); ++i) {
+        char c = field[i];
+        if (c == '\\' && i + 1 < field.size()) {
+            const char n = field[++i];
+            c = n == 't' ? '\t' : n == 'r' ? '\r' : n == 'n' ? '\n' : n;
+        }
+        out += c;
+    }
+    return cp1252::decode(out);
+}
+
+QList<QByteArrayView> fields(QByteArrayView line)
+{
+    QList<QByteArrayView> out;
+    qsizetype from = 0;
+    for (qsizetype i = 0; i <= line.size(); ++i) {
+        if (i == line.size() || line[i] == '\t') {
+            out << line.sliced(from, i - from);
+            from = i + 1;
+        }
+    }
+    return out;
+}
+
+QByteArray entry(char kind, const QStringList& fields)
+{
+    QByteArray line(1, kind);
+    for (const QString& f : fields) {
+        line += '\t';
+        line += escape(f);
+    }
+    const quint16 sum = qChecksum(line);
+    line += '\t';
+    line += QByteArray::number(sum);
+    line += "\r\n";
+    return line;
+}
+
+QString variantText(const Variant& v)
+{
+    return v ? basic::digits(*v) : QString();
+}
+
+Variant variantOf(const QString& text)
+{
+    double v = 0;
+    if (basic::isNumber(text, &v))
+        return v;
+    return std::nullopt;
+}
+
+QString exact(double v)
+{
+    return QString::number(v, 'g', 17);
+}
+
+bool applySnapshot(const QList<QByteArrayView>& f, RaceRecord* r)
+{
+    // S inicio desfase horaSalida tempsPrimer label5 label8 formato modo label1 label2 label4
+    //   N combo1/list1 pairs... M list2...
+    if (f.size() < 14)
+        return false;
+    RaceRecord rec;
+    RaceState& s = rec.state;
+    bool ok1 = false;
+    bool ok2 = false;
+    s.inicio = unescape(f[1]).toDouble(&ok1);
+    s.desfase = unescape(f[2]).toDouble(&ok2);
+    if (!ok1 || !ok2)
+        return false;
+    s.horaSalida = unescape(f[3]);
+    s.tempsPrimer = unescape(f[4]);
+    s.label5 = unescape(f[5]);
+    s.label8 = unescape(f[6]);
+    s.formato = variantOf(unescape(f[7]));
+    s.modoCaptura = variantOf(unescape(f[8]));
+    rec.label1 = unescape(f[9]);
+    rec.label2 = unescape(f[10]);
+    rec.label4 = unescape(f[11]);
+    bool ok = false;
+    const qsizetype n = unescape(f[12]).toLongLong(&ok);
+    if (!ok || n < 0 || 13 + 2 * n >= f.size())
+        return false;
+    for (qsizetype i = 0; i < n; ++i) {
+        s.combo1 << unescape(f[13 + 2 * i]);
+        s.list1 << unescape(f[14 + 2 * i]);
+    }
+    const qsizetype mAt = 13 + 2 * n;
+    const qsizetype m = unescape(f[mAt]).toLongLong(&ok);
+    if (!ok || m < 0 || mAt + 1 + m != f.size())
+        return false;
+    for (qsizetype j = 0; j < m; ++j)
+        s.list2 << unescape(f[mAt + 1 + j]);
+    *r = rec;
+    return true;
+}
+
+} // namespace
+
+QByteArray encodeSnapshot(const RaceRecord& r)
+{
+    const RaceState& s = r.state;
+    QStringList f{exact(s.inicio),      exact(s.desfase),        s.horaSalida,
+                  s.tempsPrimer,        s.label5,                s.label8,
+                  variantText(s.formato), variantText(s.modoCaptura), r.label1,
+                  r.label2,             r.label4,                QString::number(s.combo1.size())};
+    f.reserve(f.size() + 2 * s.combo1.size() + s.list2.size() + 1);
+    for (qsizetype i = 0; i < s.combo1.size(); ++i)
+        f << s.combo1[i] << s.list1.value(i);
+    f << QString::number(s.list2.size());
+    f << s.list2;
+    return entry('S', f);
+}
+
+QByteArray encodeFinish(const FinishEntry& e)
+{
+    return entry('F', {e.label2, e.hasLines ? QStringLiteral("1") : QStringLiteral("0"),
+                       e.combo1Line, e.list1Line, e.tempsPrimer, e.label4, e.label5, e.label8});
+}
+
+QByteArray encodeCorrection(int index, const QString& line)
+{
+    return entry('B', {QString::number(index), line});
+}
+
+QByteArray encodeClean()
+{
+    return entry('E', {});
+}
+
+Contents decode(QByteArrayView bytes)
+{
+    Contents c;
+    qsizetype pos = 0;
+    while (pos < bytes.size()) {
+        const qsizetype end = bytes.indexOf("\r\n", pos);
+        if (end < 0)
+            break; // cut off by the crash
+        const QByteArrayView line = bytes.sliced(pos, end - pos);
+        pos = end + 2;
+        const qsizetype lastTab = line.lastIndexOf('\t');
+        if (lastTab < 1)
+            break;
+        bool ok = false;
+        const uint sum = line.sliced(lastTab + 1).toUInt(&ok);
+        if (!ok || sum != qChecksum(line.first(lastTab)))
+            break; // damaged
+        const QList<QByteArrayView> f = fields(line.first(lastTab));
+        const char kind = line[0];
+        if (kind == 'S') {
+            if (!applySnapshot(f, &c.record))
+                break;
+            if (c.valid)
+                ++c.changes;
+            c.valid = true;
+            c.clean = false;
+            continue;
+        }
+        if (!c.valid)
+            break;
+        RaceRecord& r = c.record;
+        if (kind == 'F' && f.size() == 9) {
+            r.label2 = unescape(f[1]);
+            if (f[2] == "1") {
+                r.state.combo1 << unescape(f[3]);
+                r.state.list1 << unescape(f[4]);
+            }
+            r.state.tempsPrimer = unescape(f[5]);
+            r.label4 = unescape(f[6]);
+            r.state.label5 = unescape(f[7]);
+            r.state.label8 = unescape(f[8]);
+        } else if (kind == 'B' && f.size() == 3) {
+            const qsizetype index = unescape(f[1]).toLongLong(&ok);
+            if (ok && index >= 0 && index < r.state.list1.size())
+                r.state.list1[index] = unescape(f[2]);
+        } else if (kind == 'E' && f.size() == 1) {
+            c.clean = true;
+            continue;
+        } else {
+            break;
+        }
+        ++c.changes;
+        c.clean = false;
+    }
+    return c;
+}
+
+Contents read(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return decode(file.readAll());
+}
+
+} // namespace journal
+
+// The file and the thread that makes its data durable.
+struct Journal::Writer {
+    QFile file;
+    QString error;
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool dirty = false;
+    bool stopping = false;
+    std::thread syncer;
+
+    void sync()
+    {
+#ifdef Q_OS_UNIX
+#ifdef Q_OS_LINUX
+        ::fdatasync(file.handle());
+#else
+        ::fsync(file.handle());
+#endif
+#endif
+    }
+
+    void run()
+    {
+        std::unique_lock lock(mutex);
+        while (!stopping) {
+            wake.wait(lock, [this] { return dirty || stopping; });
+            if (stopping)
+                break;
+            dirty = false;
+            lock.unlock();
+            sync();
+            // Several finishes in a burst share one sync; the next one comes within 0.2 s.
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            lock.lock();
+        }
+    }
+
+    void stop()
+    {
+        {
+            std::lock_guard lock(mutex);
+            stopping = true;
+        }
+        wake.notify_all();
+        if (syncer.joinable())
+            syncer.join();
+        if (file.isOpen()) {
+            sync();
+            file.close();
+        }
+    }
+};
+
+Journal::Journal() = default;
+
+Journal::~Journal()
+{
+    if (writer)
+        writer->stop();
+}
+
+bool Journal::start(const QString& path, const RaceRecord& snapshot)
+{
+    if (writer)
+        writer->stop();
+    writer = std::make_unique<Writer>();
+    writer->file.setFileName(path);
+    if (QFileInfo(path).isDir() ||
+        !writer->file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        writer->error = writer->file.errorString();
+        writer->file.close();
+        return false;
+    }
+    writer->syncer = std::thread([w = writer.get()] { w->run(); });
+    return append(journal::encodeSnapshot(snapshot));
+}
+
+bool Journal::append(const QByteArray& bytes)
+{
+    if (!writer || !writer->file.isOpen())
+        return false;
+    if (writer->file.write(bytes) != bytes.size()) {
+        writer->error = writer->file.errorString();
+        return false;
+    }
+    {
+        std::lock_guard lock(writer->mutex);
+        writer->dirty = true;
+    }
+    writer->wake.notify_one();
+    return true;
+}
+
+void Journal::markClean()
+{
+    if (!writer || !writer->file.isOpen())
+        return;
+    append(journal::encodeClean());
+    writer->stop();
+}
+
+bool Journal::isOpen() const
+{
+    return writer && writer->file.isOpen();
+}
+
+QString Journal::error() const
+{
+    return writer ? writer->error : QString();
+}

@@ -1,0 +1,81 @@
+// The finish journal MARVO.jrn. The state file is only rewritten at a few moments (Start, the
+// first finish, a clear, the save button), so every change of the race record is also appended
+// here the moment it happens: a killed program loses nothing, and a power cut at most the last
+// half second. A journal opens with a full snapshot of the race; each later entry is a finish,
+// a bib correction or a new snapshot (after a clear, an import, Start, Stop...). A normal end
+// closes it with a clean mark.
+#pragma once
+
+#include "racestate.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+// What the journal keeps of the window: the race state plus the captions that the state file
+// does not carry (the clock when stopped, the rank counter, the first finisher).
+struct RaceRecord {
+    RaceState state;
+    QString label1; // the clock, hh:mm:ss
+    QString label2; // the rank counter
+    QString label4; // the first finisher's time
+};
+
+// One finish: the new rank, the lines it added (none when no format was checked) and the
+// labels it set.
+struct FinishEntry {
+    QString label2;
+    bool hasLines = false;
+    QString combo1Line;
+    QString list1Line;
+    QString tempsPrimer;
+    QString label4;
+    QString label5;
+    QString label8;
+};
+
+namespace journal {
+
+inline constexpr char fileName[] = "MARVO.jrn";
+
+QByteArray encodeSnapshot(const RaceRecord& record);
+QByteArray encodeFinish(const FinishEntry& finish);
+QByteArray encodeCorrection(int index, const QString& line);
+QByteArray encodeClean();
+
+// What a journal holds. An entry cut off by a crash, or damaged, ends the reading: everything
+// before it is kept.
+struct Contents {
+    bool valid = false;   // it began with a snapshot
+    bool clean = false;   // its last entry is the clean mark
+    int changes = 0;      // entries after the first snapshot
+    RaceRecord record;    // the race as the last entry left it
+};
+Contents decode(QByteArrayView bytes);
+Contents read(const QString& path);
+
+} // namespace journal
+
+// The open journal. Every append is handed to the system before it returns (a killed program
+// loses nothing); a background thread makes the data durable within half a second.
+class Journal {
+public:
+    Journal();
+    ~Journal();
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
+
+    // Starts a new journal at path with a snapshot of the race. Returns false when the file
+    // cannot be written (error() says why); appends are then ignored.
+    bool start(const QString& path, const RaceRecord& snapshot);
+    bool append(const QByteArray& entry);
+    // The clean mark of a normal end, made durable at once.
+    void markClean();
+    bool isOpen() const;
+    QString error() const;
+
+private:
+    struct Writer;
+    std::unique_ptr<Writer> writer;
+};

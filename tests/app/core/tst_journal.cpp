@@ -1,0 +1,158 @@
+#include "app/core/journal.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class JournalTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void replaysEveryKindOfEntry();
+    void cutAnywhereKeepsWhatPrecedes();
+    void damagedEntryEndsTheReading();
+    void cleanMarkAndLaterEntries();
+    void writerAppendsAndMarksClean();
+    void writerReportsAnUnwritablePath();
+};
+
+namespace {
+
+RaceRecord startRecord()
+{
+    RaceRecord r;
+    r.state.inicio = 36000.123456;
+    r.state.desfase = 1.0 / 60;
+    r.state.horaSalida = QStringLiteral("09:59");
+    r.state.formato = 0.0;
+    r.state.list2 = {QStringLiteral("   1-  27 - 0:10:30")};
+    r.label2 = QStringLiteral("0");
+    r.label4 = QStringLiteral("00:00:00");
+    return r;
+}
+
+FinishEntry finish(int rank, bool lines = true)
+{
+    FinishEntry e;
+    e.label2 = QString::number(rank);
+    e.hasLines = lines;
+    e.combo1Line = QStringLiteral("%1- 00:0%2:00 - 0:00:00").arg(rank, 4).arg(rank);
+    e.list1Line = QStringLiteral("%1-   0- 00:0%2:00 - 0:00:00").arg(rank, 4).arg(rank);
+    e.tempsPrimer = QStringLiteral("00:01:00");
+    e.label4 = QStringLiteral("00:01:00");
+    e.label5 = QStringLiteral("00:0%1:00").arg(rank);
+    e.label8 = QStringLiteral("0:00:00");
+    return e;
+}
+
+} // namespace
+
+void JournalTest::replaysEveryKindOfEntry()
+{
+    QByteArray bytes = journal::encodeSnapshot(startRecord());
+    bytes += journal::encodeFinish(finish(1));
+    bytes += journal::encodeFinish(finish(2));
+    bytes += journal::encodeFinish(finish(3, false)); // no format checked: rank only
+    bytes += journal::encodeCorrection(1, QStringLiteral("   2-  57- 00:02:00 - 0:00:00"));
+    bytes += journal::encodeCorrection(9, QStringLiteral("out of the list is ignored"));
+    const journal::Contents c = journal::decode(bytes);
+    QVERIFY(c.valid);
+    QVERIFY(!c.clean);
+    QCOMPARE(c.changes, 5);
+    const RaceState& s = c.record.state;
+    QCOMPARE(s.inicio, 36000.123456); // exact, unlike the state file's scaled integers
+    QCOMPARE(s.desfase, 1.0 / 60);
+    QCOMPARE(s.formato, Variant(0.0));
+    QVERIFY(!s.modoCaptura.has_value());
+    QCOMPARE(c.record.label2, QStringLiteral("3"));
+    QCOMPARE(s.list1, (QStringList{"   1-   0- 00:01:00 - 0:00:00", "   2-  57- 00:02:00 - 0:00:00"}));
+    QCOMPARE(s.combo1.size(), 2);
+    QCOMPARE(s.label5, QStringLiteral("00:03:00"));
+    QCOMPARE(s.list2, startRecord().state.list2);
+    // A later snapshot replaces everything, and text with tabs, line ends and accents survives.
+    RaceRecord odd = startRecord();
+    odd.state.list1 = {QStringLiteral("a\tb\\c\r\nñ")};
+    odd.state.combo1 = {QString()};
+    bytes += journal::encodeSnapshot(odd);
+    const journal::Contents d = journal::decode(bytes);
+    QCOMPARE(d.record.state, odd.state);
+    QCOMPARE(d.changes, 6);
+}
+
+void JournalTest::cutAnywhereKeepsWhatPrecedes()
+{
+    QList<QByteArray> entries{journal::encodeSnapshot(startRecord())};
+    for (int rank = 1; rank <= 4; ++rank)
+        entries << journal::encodeFinish(finish(rank));
+    QByteArray all;
+    QList<qsizetype> ends;
+    for (const QByteArray& e : entries) {
+        all += e;
+        ends << all.size();
+    }
+    for (qsizetype cut = 0; cut <= all.size(); ++cut) {
+        const journal::Contents c = journal::decode(QByteArrayView(all).first(cut));
+        const qsizetype whole = std::count_if(ends.begin(), ends.end(), [&](qsizetype e) { return e <= cut; });
+        QCOMPARE(c.valid, whole >= 1);
+        if (whole >= 1)
+            QCOMPARE(c.record.state.list1.size(), whole - 1);
+    }
+}
+
+void JournalTest::damagedEntryEndsTheReading()
+{
+    QByteArray bytes = journal::encodeSnapshot(startRecord());
+    QByteArray bad = journal::encodeFinish(finish(1));
+    bad[5] = 'X';
+    bytes += bad + journal::encodeFinish(finish(2));
+    const journal::Contents c = journal::decode(bytes);
+    QVERIFY(c.valid);
+    QCOMPARE(c.changes, 0);
+    // A journal that does not begin with a snapshot holds nothing.
+    QVERIFY(!journal::decode(journal::encodeFinish(finish(1))).valid);
+    QVERIFY(!journal::decode("garbage\r\n\x01\x02\r\n").valid);
+}
+
+void JournalTest::cleanMarkAndLaterEntries()
+{
+    QByteArray bytes = journal::encodeSnapshot(startRecord()) + journal::encodeClean();
+    QVERIFY(journal::decode(bytes).clean);
+    bytes += journal::encodeFinish(finish(1));
+    QVERIFY(!journal::decode(bytes).clean);
+}
+
+void JournalTest::writerAppendsAndMarksClean()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("MARVO.jrn"));
+    {
+        Journal j;
+        QVERIFY(j.start(path, startRecord()));
+        QVERIFY(j.append(journal::encodeFinish(finish(1))));
+        // Already in the file, before any sync or close: a killed program keeps it.
+        const journal::Contents c = journal::read(path);
+        QCOMPARE(c.record.state.list1.size(), 1);
+        QVERIFY(!c.clean);
+        j.markClean();
+        QVERIFY(!j.isOpen());
+        QVERIFY(!j.append(journal::encodeFinish(finish(2))));
+    }
+    QVERIFY(journal::read(path).clean);
+    // Starting again begins a new journal.
+    Journal again;
+    QVERIFY(again.start(path, startRecord()));
+    QCOMPARE(journal::read(path).changes, 0);
+}
+
+void JournalTest::writerReportsAnUnwritablePath()
+{
+    QTemporaryDir dir;
+    Journal j;
+    QVERIFY(!j.start(dir.filePath(QStringLiteral("missing/MARVO.jrn")), startRecord()));
+    QVERIFY(!j.error().isEmpty());
+    QVERIFY(!j.append("x"));
+    QVERIFY(!j.start(dir.path(), startRecord())); // a folder where the file should be
+}
+
+QTEST_APPLESS_MAIN(JournalTest)
+#include "tst_journal.moc"
