@@ -1,0 +1,64 @@
+# Shared by the end-to-end tests: a private X server, a private folder, and helpers to drive
+# the real program with xdotool. Source it; it sets DISPLAY, WORK and the drive variables.
+set -euo pipefail
+
+for tool in Xvfb xdotool; do
+    if ! command -v "$tool" >/dev/null; then
+        echo "SKIP: $tool is not installed (./test.sh installs it)"
+        exit 77
+    fi
+done
+
+WORK=$(mktemp -d)
+export MARVOLENDO_DRIVE_C="$WORK/C" MARVOLENDO_DRIVE_D="$WORK/D" HOME="$WORK/home"
+mkdir -p "$MARVOLENDO_DRIVE_C" "$MARVOLENDO_DRIVE_D" "$HOME"
+unset QT_QPA_PLATFORM
+
+display=$((100 + RANDOM % 400))
+while [ -e "/tmp/.X11-unix/X$display" ] || [ -e "/tmp/.X$display-lock" ]; do
+    display=$((display + 1))
+done
+Xvfb ":$display" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+XVFB_PID=$!
+export DISPLAY=":$display"
+APP_PID=
+cleanup() {
+    [ -n "$APP_PID" ] && kill -9 "$APP_PID" 2>/dev/null || true
+    kill "$XVFB_PID" 2>/dev/null || true
+    rm -rf "$WORK"
+}
+trap cleanup EXIT
+for _ in $(seq 50); do
+    xdotool getmouselocation >/dev/null 2>&1 && break
+    sleep 0.1
+done
+
+# Starts the program in $WORK and waits for its window; sets APP_PID and APP_WIN.
+start_app() {
+    (cd "$WORK" && exec "$APP" >"$WORK/app.log" 2>&1) &
+    APP_PID=$!
+    APP_WIN=$(xdotool search --sync --onlyvisible --name '^Marvolendo$' | head -n 1)
+    xdotool windowfocus --sync "$APP_WIN"
+}
+
+# Waits for a window whose title matches, focuses it and prints its id.
+wait_window() {
+    local id
+    id=$(timeout 20 xdotool search --sync --onlyvisible --name "$1" | head -n 1)
+    xdotool windowfocus --sync "$id"
+    echo "$id"
+}
+
+# The List1 lines of a state file, one per line (the second of each pair after line 9).
+list1_of() {
+    tr -d '\r' <"$1" | awk 'NR==9 { n = $1 } NR > 9 && NR <= 9 + 2 * n && (NR - 9) % 2 == 0'
+}
+
+# The List1 lines the journal holds, in order: the snapshot's pairs, then each finish's line.
+journal_list1_of() {
+    tr -d '\r' <"$1" | awk -F'\t' '
+        $1 == "S" { delete lines; n = $13; count = 0
+                    for (i = 0; i < n; i++) lines[count++] = $(15 + 2 * i) }
+        $1 == "F" && $3 == "1" { lines[count++] = $5 }
+        END { for (i = 0; i < count; i++) print lines[i] }'
+}
