@@ -49,6 +49,9 @@ public:
     void recuperar();
     bool guardarEstado();
     void carregar(const QString& cami);
+    // Opens the link to the readings database afresh; returns why it failed, empty when open.
+    // The unopened link is kept when it fails.
+    QString conectarLecturas();
     void controles();
     void tempsMarvo(double tempsInicial, QString& temps);
 
@@ -181,7 +184,6 @@ private:
     void connectHandlers();
 
     // Helpers shared by the handlers.
-    void conectarLecturas();
     void guardarSalidas();
     void recordFinish(); // a fresh tick, then the Lap: a finish is stamped when it arrives
     void rewriteCorrectedLine();

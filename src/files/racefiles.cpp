@@ -1,9 +1,94 @@
 // Results files, start-order import and the readings database link.
+#include "app/core/paths.h"
 #include "app/formmarvolendo.h"
+#include "files/core/exports.h"
+#include "files/core/startorder.h"
 #include "files/odbc/readingslink.h"
 
-void FormMarvolendo::Command6_Click() {}
-void FormMarvolendo::guardarSalidas() {}
-void FormMarvolendo::Command7_Click() {}
-void FormMarvolendo::carregar(const QString& cami) { Q_UNUSED(cami); }
-void FormMarvolendo::conectarLecturas() {}
+#include <QAction>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QListWidget>
+#include <QTimer>
+
+namespace
+{
+
+// What the export reads from the window: the lines on display, the capture mode's check mark
+// and the checked time format.
+exports::Source exportSource(const QListWidget* list1, const QComboBox* combo1, bool opp2,
+                             int format)
+{
+    exports::Source source;
+    source.list1.reserve(list1->count());
+    for (int i = 0; i < list1->count(); ++i)
+        source.list1 << list1->item(i)->text();
+    source.combo1.reserve(combo1->count());
+    for (int i = 0; i < combo1->count(); ++i)
+        source.combo1 << combo1->itemText(i);
+    source.opp2 = opp2;
+    if (format >= 0)
+        source.format = static_cast<TimeFormat>(format);
+    return source;
+}
+
+} // namespace
+
+void FormMarvolendo::Command6_Click()
+{
+    // The notice is drawn before the files are written, so it shows even on a slow disk.
+    Frame3->show();
+    Frame3->repaint();
+
+    const exports::WriteResult result =
+        exports::exportResults(exportSource(List1, Combo1, opp2->isChecked(), checkedFormat()));
+    if (!result.ok()) {
+        guardadoTimer->stop();
+        Frame3->hide();
+        dialogs.warn(this, QStringLiteral("Resultados no guardados"), result.message);
+        return;
+    }
+    // The notice stays up for a moment while the window goes on working.
+    guardadoTimer->start();
+}
+
+void FormMarvolendo::guardarSalidas()
+{
+    // The finish is already in the lists: a failure here must not stop the timekeeper.
+    const exports::WriteResult result =
+        exports::saveStartTimes(exportSource(List1, Combo1, opp2->isChecked(), checkedFormat()));
+    if (!result.ok())
+        avisar(QStringLiteral("%1. La llegada ha quedado registrada.").arg(result.message));
+}
+
+void FormMarvolendo::Command7_Click()
+{
+    CommonDialog1.title = QStringLiteral(
+        "Cargar un fichero que contenga (dorsal,tiempo) y lo adjudicara a tiempo de salida");
+    CommonDialog1.defaultSuffix = QStringLiteral("ENT");
+    // The filter is a description only. Qt reads a filter without a parenthesised pattern as
+    // the pattern itself ("Ficheros", "de", "Entrada-ent"), which hides every file; with "(*)"
+    // the description stays the filter's name and every file is listed.
+    CommonDialog1.filter = QStringLiteral("Ficheros de Entrada-ent (*)");
+    CommonDialog1.proposedName = paths::local(QLatin1String(startorder::defaultFile));
+
+    const QString cami = dialogs.openFile(this, CommonDialog1);
+    if (cami.isEmpty())
+        return; // cancelled: nothing is loaded
+    carregar(cami);
+}
+
+void FormMarvolendo::carregar(const QString& cami)
+{
+    // A missing or unreadable file loads nothing and says nothing; the failure count stays in
+    // errores, where the next format click finds it.
+    const startorder::StartOrderImport import = startorder::readStartOrder(cami);
+    errores = static_cast<qint16>(import.errores);
+    List2->addItems(import.lines);
+}
+
+QString FormMarvolendo::conectarLecturas()
+{
+    conexion = std::make_unique<readings::ReadingsLink>();
+    return conexion->open(paths::local(readings::databasePath(carpeta)));
+}
