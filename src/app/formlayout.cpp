@@ -294,11 +294,19 @@ void FormMarvolendo::connectHandlers()
     connect(Command8, &QPushButton::clicked, this, &FormMarvolendo::Command8_Click);
     connect(Timer1, &QTimer::timeout, this, &FormMarvolendo::Timer1_Timer);
     connect(Timer2, &QTimer::timeout, this, &FormMarvolendo::Timer2_Timer);
+    // Qt toggles a check item before it reports the click, while these handlers move their
+    // own check marks: the mark is put back as it stood, then the handler runs.
+    const auto menuClick = [this](QAction* action, auto handler) {
+        connect(action, &QAction::triggered, this, [action, handler](bool checked) {
+            action->setChecked(!checked);
+            handler();
+        });
+    };
     for (int i = 0; i < 3; ++i)
-        connect(op2[i], &QAction::triggered, this, [this, i] { op2_Click(i); });
-    connect(opp2, &QAction::triggered, this, &FormMarvolendo::opp2_Click);
-    connect(opp22, &QAction::triggered, this, &FormMarvolendo::opp22_Click);
-    connect(opp4, &QAction::triggered, this, &FormMarvolendo::opp4_Click);
+        menuClick(op2[i], [this, i] { op2_Click(i); });
+    menuClick(opp2, [this] { opp2_Click(); });
+    menuClick(opp22, [this] { opp22_Click(); });
+    menuClick(opp4, [this] { opp4_Click(); });
     connect(List1, &QListWidget::itemClicked, this, &FormMarvolendo::List1_Click);
     connect(List1, &QListWidget::currentRowChanged, this, &FormMarvolendo::List1_Click);
     connect(List2, &QListWidget::itemClicked, this, &FormMarvolendo::List2_Click);

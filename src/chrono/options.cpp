@@ -1,6 +1,229 @@
 // The time-format and capture-mode options.
 #include "app/formmarvolendo.h"
+#include "app/look.h"
 
-void FormMarvolendo::op2_Click(int index) { Q_UNUSED(index); }
-void FormMarvolendo::opp2_Click() {}
-void FormMarvolendo::opp22_Click() {}
+#include <QAction>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+
+namespace
+{
+
+const QString zeroClock = QStringLiteral("00:00:00");
+
+const QString formatTitle = QStringLiteral("Formato de tiempo");
+const QString formatWarning =
+    QStringLiteral("Cuidado si cambia el formato borrara todos los tiempos almacenados");
+
+const QString tipOneFile =
+    QStringLiteral("Crea un fichero en C:\\carreras\\copias / Tiempos-Marvo.TXT");
+const QString tipLapMode =
+    QStringLiteral("Crea tres ficheros en C:\\carreras\\copias / Tiempos-Marvo.TXT");
+const QString tipThreeFiles =
+    QStringLiteral("Crea tres ficheros en C:\\carreras\\copias / Dorsales-Marvo.TXT - "
+                   "dorsales-Tiempos-Marvo.TXT y Tiempos-Marvo.TXT");
+const QString tipBibsOnly =
+    QStringLiteral("Crea tres ficheros en C:\\carreras\\copias / Dorsales-Marvo.TXT");
+
+// The entry of the format menu that matches formato; a saved code outside 0-2 has none.
+QAction* formatEntry(QAction* const (&entries)[3], const Variant& formato)
+{
+    const double code = number(formato);
+    for (int i = 0; i < 3; ++i) {
+        if (code == i)
+            return entries[i];
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void FormMarvolendo::op2_Click(int index)
+{
+    for (QAction* a : op2)
+        a->setChecked(false);
+    op2[index]->setChecked(true);
+
+    // A click right after a cancelled change only moves the check mark. The start-order
+    // import counts its failures in the same variable, so one failed record there has the
+    // same effect on the next click.
+    const qint16 skip = errores;
+    errores = 0;
+    if (skip == 1)
+        return;
+
+    if (Command1[1]->isHidden() && Label1->text() != zeroClock) {
+        respuesta = dialogs.confirm(this, formatTitle, formatWarning);
+        if (respuesta == Dialogs::Cancel) {
+            // The format in use is checked again; the clicked entry stays checked as well.
+            errores = 1;
+            if (QAction* current = formatEntry(op2, formato))
+                current->setChecked(true);
+            return;
+        }
+    }
+
+    formato = double(checkedFormat());
+    if (inicio == 0)
+        Command4_Click();
+
+    // The whole-seconds clock also covers the place of the fraction label.
+    look::setWidth(Label1, number(formato) == 0 ? 4215 : 3015);
+
+    switch (checkedFormat()) {
+    case 0:
+        Label6->setText(QString());
+        look::setPointSize(Combo1, 10);
+        break;
+    case 1:
+        Label6->setText(QStringLiteral("00"));
+        look::setPointSize(Combo1, 10);
+        break;
+    case 2:
+        Label6->setText(QStringLiteral("000"));
+        look::setPointSize(Combo1, 10);
+        break;
+    default:
+        break;
+    }
+    controles();
+}
+
+void FormMarvolendo::opp2_Click()
+{
+    opp2->setChecked(!opp2->isChecked());
+
+    if (Label1->text() != zeroClock) {
+        respuesta = dialogs.confirm(this, formatTitle, formatWarning);
+        if (respuesta == Dialogs::Cancel) {
+            // The toggle stays; the format entry in use is checked again instead.
+            if (QAction* current = formatEntry(op2, formato))
+                current->setChecked(true);
+            return;
+        }
+    }
+
+    if (opp2->isChecked()) {
+        // Bibs and times: the bib field replaces "Lap", the wide window shows the list.
+        opp4->setChecked(true);
+        opp4_Click();
+        look::setWidth(Command3, 1815);
+        look::setPointSize(Combo1, 9);
+        Command3->setVisible(false);
+        Text1->setVisible(true);
+        modoCaptura = 1.0;
+        for (QWidget* w : {static_cast<QWidget*>(Label15), static_cast<QWidget*>(Label16),
+                           static_cast<QWidget*>(List1), static_cast<QWidget*>(Text2)})
+            w->setVisible(true);
+        Label14->setVisible(false);
+        Combo1->setVisible(false);
+        setFormWidthTwips(13440);
+        Command6->setToolTip(tipThreeFiles);
+        Image1->setVisible(true);
+    } else {
+        modoCaptura = 0.0;
+        Command3->setVisible(true);
+        Text1->setVisible(false);
+        look::setWidth(Command3, 3135);
+        for (QWidget* w : {static_cast<QWidget*>(Label14), static_cast<QWidget*>(Label15),
+                           static_cast<QWidget*>(Label16), static_cast<QWidget*>(List1),
+                           static_cast<QWidget*>(Text2)})
+            w->setVisible(false);
+        Combo1->setVisible(true);
+        setFormWidthTwips(4545);
+        Command6->setToolTip(tipLapMode);
+        move(look::px(3000), y());
+        Image1->setVisible(false);
+    }
+}
+
+void FormMarvolendo::opp22_Click()
+{
+    if (opp22->isChecked()) {
+        // Leaving the bibs-only mode clears the race, with the clearing's own question.
+        opp22->setChecked(false);
+        opp2->setEnabled(true);
+        for (QAction* a : op2)
+            a->setEnabled(true);
+        opp4->setEnabled(true);
+        modoCaptura = 0.0;
+        Command4_Click();
+    } else {
+        opp22->setChecked(true);
+        opp2->setChecked(false);
+        opp2->setEnabled(false);
+        for (QAction* a : op2)
+            a->setEnabled(false);
+        opp4->setEnabled(false);
+        modoCaptura = 2.0;
+    }
+
+    // The answer tested is that of the last box the window showed, whichever it was.
+    if (respuesta == Dialogs::Cancel) {
+        opp22->setChecked(true);
+        modoCaptura = 0.0;
+        return;
+    }
+
+    if (opp22->isChecked()) {
+        // The bib-entry sheet: no clock, the bib field on top, the list of bibs below.
+        Command6->setToolTip(tipBibsOnly);
+        for (QWidget* w : {static_cast<QWidget*>(Command1[0]), static_cast<QWidget*>(Command1[1]),
+                           static_cast<QWidget*>(Command2[0]), static_cast<QWidget*>(Command2[1]),
+                           static_cast<QWidget*>(Command3), static_cast<QWidget*>(Command4),
+                           static_cast<QWidget*>(Label1), static_cast<QWidget*>(Label6),
+                           static_cast<QWidget*>(ProgressBar1), static_cast<QWidget*>(Label9),
+                           static_cast<QWidget*>(Label10), static_cast<QWidget*>(Label4),
+                           static_cast<QWidget*>(Label7), static_cast<QWidget*>(Label12),
+                           static_cast<QWidget*>(Label11), static_cast<QWidget*>(Label5),
+                           static_cast<QWidget*>(Label8), static_cast<QWidget*>(Label2),
+                           static_cast<QWidget*>(Label13)})
+            w->setVisible(false);
+        Frame1->setTitle(QString());
+        Text1->setVisible(true);
+        look::move(Text1, 120, 240);
+        look::place(Frame1, 120, 0, 3375, 975);
+        look::move(Command5, 2950, 2000);
+        look::move(Command6, 2950, 2500);
+        Text1->setEnabled(true);
+        look::setBack(Text1, look::olive);
+        look::place(List1, 120, 1030, 2000, 2790);
+        setFormTwips(3700, 4700);
+        look::move(Text2, 2300, 3333);
+        look::setLeft(Label15, 480);
+        List1->setVisible(true);
+        Text2->setVisible(true);
+        Combo1->setVisible(false);
+        Label15->setVisible(false);
+        look::setBack(List1, look::lightYellow);
+    } else {
+        Command1[0]->setVisible(true);
+        for (QWidget* w : {static_cast<QWidget*>(Command2[0]), static_cast<QWidget*>(Command2[1]),
+                           static_cast<QWidget*>(Command3), static_cast<QWidget*>(Command4),
+                           static_cast<QWidget*>(Label1), static_cast<QWidget*>(Label6),
+                           static_cast<QWidget*>(ProgressBar1), static_cast<QWidget*>(Label9),
+                           static_cast<QWidget*>(Label10), static_cast<QWidget*>(Label4),
+                           static_cast<QWidget*>(Label7), static_cast<QWidget*>(Label12),
+                           static_cast<QWidget*>(Label11), static_cast<QWidget*>(Label5),
+                           static_cast<QWidget*>(Label8), static_cast<QWidget*>(Label2),
+                           static_cast<QWidget*>(Label13)})
+            w->setVisible(true);
+        Frame1->setTitle(QStringLiteral("Tiempos parciales"));
+        look::move(Text1, 960, 1080);
+        look::place(Frame1, 120, 2040, 4215, 1815);
+        look::move(Command5, 3840, 0);
+        look::move(Command6, 3360, 0);
+        look::place(List1, 4440, 240, 4335, 3420);
+        setFormTwips(4545, 5100);
+        look::move(Text2, 7560, 3840);
+        look::setLeft(Label15, 3600);
+        Combo1->setVisible(true);
+        look::setBack(Text1, look::lightGrey);
+        Command6->setToolTip(tipOneFile);
+    }
+}
