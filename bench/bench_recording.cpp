@@ -1,0 +1,205 @@
+// Recording a finish and correcting a bib in the real window, with 10,000 lines already in the
+// results list. Prints the median and the worst of many runs of each, the handler alone and
+// the handler with the redraw it causes.
+#include "app/core/basic.h"
+#include "app/core/statefile.h"
+#include "app/dialogs.h"
+#include "app/formmarvolendo.h"
+#include "chrono/core/clock.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+namespace
+{
+
+constexpr int runs = 200;
+constexpr int listed = 10000;
+
+// A clock the benchmark moves by hand, so every finish gets a new time.
+class StepClock final : public Clock
+{
+public:
+    double seconds = 9 * 3600.0;
+    double timer() const override { return seconds; }
+    QTime timeOfDay() const override
+    {
+        return QTime::fromMSecsSinceStartOfDay(static_cast<int>(seconds * 1000.0) % 86400000);
+    }
+};
+
+// Dialogs must not appear in a benchmark: every question is answered Cancel.
+class SilentDialogs final : public Dialogs
+{
+public:
+    int shown = 0;
+    int confirm(QWidget*, const QString&, const QString&) override { return ++shown, Cancel; }
+    void warn(QWidget*, const QString&, const QString&) override { ++shown; }
+    int ask(QWidget*, const QString&, const QString&) override { return ++shown, No; }
+    QString openFile(QWidget*, const FileRequest&) override { return ++shown, QString(); }
+};
+
+struct Figures {
+    double median;
+    double worst;
+};
+
+// Times work(); withRedraw also counts the events it leaves pending (the redraw).
+Figures measure(const std::function<void(int)>& work, bool withRedraw)
+{
+    std::vector<double> times;
+    times.reserve(runs);
+    for (int i = 0; i < runs; ++i) {
+        QApplication::processEvents();
+        QElapsedTimer timer;
+        timer.start();
+        work(i);
+        if (withRedraw)
+            QApplication::processEvents();
+        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return {times[times.size() / 2], times.back()};
+}
+
+// The target applies to the handler; the redraw comes after it and is shown for information.
+void report(const char* what, Figures figures, double target)
+{
+    std::printf("%-44s median %7.3f ms  worst %7.3f ms", what, figures.median, figures.worst);
+    if (target > 0)
+        std::printf("  (target < %.0f ms) %s", target, figures.median < target ? "ok" : "SLOW");
+    std::printf("\n");
+}
+
+QString clockText(int finisher)
+{
+    const int ms = 600000 + finisher * 731;
+    return QStringLiteral("%1:%2:%3:%4")
+        .arg(ms / 3600000, 2, 10, QLatin1Char('0'))
+        .arg(ms / 60000 % 60, 2, 10, QLatin1Char('0'))
+        .arg(ms / 1000 % 60, 2, 10, QLatin1Char('0'))
+        .arg(ms % 1000, 3, 10, QLatin1Char('0'));
+}
+
+// A race in Milesimas in the bibs-and-times mode, stopped, with its results lines.
+RaceState bigRace()
+{
+    RaceState s;
+    s.formato = 2.0;
+    s.modoCaptura = 1.0;
+    s.tempsPrimer = clockText(1);
+    for (int i = 1; i <= listed; ++i) {
+        const QString rank = basic::field4(i);
+        const QString diff = u'0' + clockText(i - 1).mid(2);
+        s.list1 << rank + u'-' + basic::field4(i * 7 % 3000) + QStringLiteral("- ") + clockText(i) +
+                       QStringLiteral(" - ") + diff;
+        s.combo1 << rank + QStringLiteral("- ") + clockText(i) + QStringLiteral(" - ") + diff;
+    }
+    return s;
+}
+
+void pressEnter(QWidget* field)
+{
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
+    QApplication::sendEvent(field, &press);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+
+    // The state file goes to a folder of its own, and so do both drives.
+    QTemporaryDir folder;
+    if (!folder.isValid() || !QDir(folder.path()).mkpath(QStringLiteral("C/Carreras/copias")) ||
+        !QDir(folder.path()).mkpath(QStringLiteral("D"))) {
+        std::fprintf(stderr, "no temporary folder\n");
+        return 1;
+    }
+    const QString previous = QDir::currentPath();
+    QDir::setCurrent(folder.path());
+    qputenv("MARVOLENDO_DRIVE_C", QFile::encodeName(folder.filePath(QStringLiteral("C"))));
+    qputenv("MARVOLENDO_DRIVE_D", QFile::encodeName(folder.filePath(QStringLiteral("D"))));
+    {
+        QFile file(QLatin1String(statefile::fileName));
+        const QByteArray bytes = statefile::encode(bigRace());
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+            std::fprintf(stderr, "cannot write the state file\n");
+            return 1;
+        }
+    }
+
+    StepClock clock;
+    SilentDialogs dialogs;
+    bool failed = false;
+    {
+        FormMarvolendo form(clock, dialogs);
+        // The controls of the bibs-and-times layout.
+        for (const char* name : {"Text1", "List1", "Text2", "Label14", "Label16"})
+            form.findChild<QWidget*>(QLatin1String(name))->setVisible(true);
+        form.show();
+        QApplication::processEvents();
+        auto* List1 = form.findChild<QListWidget*>(QStringLiteral("List1"));
+        auto* Text2 = form.findChild<QLineEdit*>(QStringLiteral("Text2"));
+        auto* Command3 = form.findChild<QPushButton*>(QStringLiteral("Command3"));
+        if (List1->count() != listed) {
+            std::fprintf(stderr, "the race was not restored: %d lines\n", List1->count());
+            return 1;
+        }
+
+        form.Command1_Click(0); // Start
+        // The Lap, as the button runs it: a fresh clock reading, then the lines.
+        auto lap = [&](int) {
+            clock.seconds += 0.731;
+            Command3->click();
+        };
+        const Figures lapAlone = measure(lap, false);
+        const Figures lapDrawn = measure(lap, true);
+        form.Command1_Click(1); // Stop
+
+        // A correction: the line is chosen, Text2 gets the bib, Enter writes it.
+        auto correct = [&](int i) {
+            List1->setCurrentRow(1000 + i * 37 % 8000);
+            form.List1_DblClick();
+            Text2->setText(QString::number(100 + i));
+            pressEnter(Text2);
+        };
+        const Figures correctAlone = measure(correct, false);
+        const Figures correctDrawn = measure(correct, true);
+
+        std::printf("Results list of %d lines, %d runs each (QT_QPA_PLATFORM=%s)\n", listed, runs,
+                    qgetenv("QT_QPA_PLATFORM").constData());
+        report("record one finish (handler)", lapAlone, 1);
+        report("record one finish (handler and redraw)", lapDrawn, 0);
+        report("correct one bib (handler)", correctAlone, 2);
+        report("correct one bib (handler and redraw)", correctDrawn, 0);
+        failed = lapAlone.median >= 1 || correctAlone.median >= 2;
+
+        // The work was done: every finish added its line, every correction found its line.
+        const int expected = listed + 2 * runs;
+        if (List1->count() != expected || !Text2->text().isEmpty() || dialogs.shown != 0) {
+            std::fprintf(stderr, "unexpected state: %d lines, Text2 \"%s\", %d dialogs\n",
+                         List1->count(), qPrintable(Text2->text()), dialogs.shown);
+            failed = true;
+        }
+    }
+    QDir::setCurrent(previous);
+    return failed ? 1 : 0;
+}
