@@ -39,12 +39,14 @@ void writeRace(FormFixture& f, int format, int mode, const QStringList& list1,
     f.writeFile(QStringLiteral("MARVO.dat"), statefile::encode(race));
 }
 
-// The files read the check marks of the menu: set them as the mode and format have them.
-void checkMarks(FormFixture& f, int format, bool opp2)
+// The time format the files read: the first checked entry of the format menu.
+int checkedFormat(FormFixture& f)
 {
-    for (int i = 0; i < 3; ++i)
-        f.action(QStringLiteral("op2(%1)").arg(i))->setChecked(i == format);
-    f.action(QStringLiteral("opp2"))->setChecked(opp2);
+    for (int i = 0; i < 3; ++i) {
+        if (f.action(QStringLiteral("op2(%1)").arg(i))->isChecked())
+            return i;
+    }
+    return -1;
 }
 
 // Every results file, "<missing>" where there is none.
@@ -155,7 +157,9 @@ void TstRaceFiles::exportFiles()
     f.makeResultsFolder();
     writeRace(f, format, opp2 ? 1 : 0, list1, combo1);
     f.open();
-    checkMarks(f, format, opp2);
+    // Start-up applies the saved format and mode to the check marks the files read.
+    QCOMPARE(checkedFormat(f), format);
+    QCOMPARE(f.action("opp2")->isChecked(), opp2);
     QCOMPARE(f.lines("List1"), list1);
 
     f.click("Command6");
@@ -202,7 +206,8 @@ void TstRaceFiles::exportWithoutFolder()
     FormFixture f;
     writeRace(f, 0, opp2 ? 1 : 0, {"   1-   7- 00:12:34 - 0:00:00"}, {"   1- 00:12:34 - 0:00:00"});
     f.open();
-    checkMarks(f, 0, opp2);
+    QCOMPARE(checkedFormat(f), 0);
+    QCOMPARE(f.action("opp2")->isChecked(), opp2);
 
     f.click("Command6");
     QCOMPARE(f.dialogs.shown.size(), 1);
@@ -239,7 +244,8 @@ void TstRaceFiles::startTimesAfterF1()
     f.writeFile(resultsFolder + "TiemposSalida.txt", "  99,01:00:00:000\r\n");
     writeRace(f, 2, opp2 ? 1 : 0, {}, {});
     f.open();
-    checkMarks(f, 2, opp2);
+    QCOMPARE(checkedFormat(f), 2);
+    QCOMPARE(f.action("opp2")->isChecked(), opp2);
     auto* text1 = f.child<QLineEdit>("Text1");
 
     f.click("Command1(0)");
@@ -265,7 +271,8 @@ void TstRaceFiles::f1WithoutFolder()
     FormFixture f;
     writeRace(f, 2, 1, {}, {});
     f.open();
-    checkMarks(f, 2, true);
+    QCOMPARE(checkedFormat(f), 2);
+    QCOMPARE(f.action("opp2")->isChecked(), true);
     f.click("Command1(0)");
     f.clock.advance(3);
     f.child<QLineEdit>("Text1")->setText("21");
