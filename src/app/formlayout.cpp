@@ -81,7 +81,7 @@ void FormMarvolendo::buildControls()
     Command1[1]->setText(QStringLiteral("Stop"));
     for (QPushButton* b : Command1) {
         b->setFont(sansFont(10, true));
-        look::place(b, 120, 45, 1095, 420);
+        look::place(b, 120, 0, 1095, 405);
     }
     Command1[1]->setVisible(false);
     Command2[0] = make<QPushButton>(area, QStringLiteral("Command2(0)"));
@@ -90,95 +90,98 @@ void FormMarvolendo::buildControls()
     Command2[1]->setText(QStringLiteral("-"));
     for (int i = 0; i < 2; ++i) {
         Command2[i]->setFont(sansFont(11, true));
-        look::place(Command2[i], 1260 + i * 450, 45, 420, 420);
+        look::place(Command2[i], 1260 + i * 450, 0, 420, 405);
     }
     Command2[0]->setToolTip(QStringLiteral("Adelantar el reloj un minuto"));
     Command2[1]->setToolTip(QStringLiteral("Retrasar el reloj un minuto"));
     Command4 = pictureButton(area, QStringLiteral("Command4"), artwork::clearIcon(),
                              QStringLiteral("Borrar todos los tiempos"));
-    look::place(Command4, 2220, 45, 480, 420);
-    Label18 = label(area, QStringLiteral("Label18"), QStringLiteral("0"), sansFont(12, true),
-                    Qt::AlignCenter);
-    look::place(Label18, 2760, 45, 555, 420);
+    look::place(Command4, 2220, 0, 480, 405);
+    // The countdown has no caption until the first finish or the first second counted.
+    Label18 =
+        label(area, QStringLiteral("Label18"), QString(), sansFont(12, true), Qt::AlignCenter);
+    look::place(Label18, 2760, 0, 555, 405);
     Label18->setToolTip(QStringLiteral("Cuenta atras hasta la salida seleccionada"));
     Command6 = pictureButton(area, QStringLiteral("Command6"), artwork::exportIcon(),
                              QStringLiteral("Crea un fichero en C:\\carreras\\copias / Tiempos-Marvo.TXT"));
-    look::place(Command6, 3360, 0, 480, 420);
+    look::place(Command6, 3360, 0, 480, 405);
     Command5 = pictureButton(area, QStringLiteral("Command5"), artwork::saveAndEndIcon(),
                              QStringLiteral("Guardar y salir"));
-    look::place(Command5, 3840, 0, 480, 420);
+    look::place(Command5, 3840, 0, 480, 405);
 
     // The clock: hh:mm:ss, the fraction beside it, the thousandths and the seconds bar.
     Label1 = label(area, QStringLiteral("Label1"), QStringLiteral("00:00:00"), clockFont,
                    Qt::AlignCenter);
-    look::place(Label1, 120, 495, 3015, 585);
+    look::place(Label1, 120, 420, 3015, 510);
     Label6 = label(area, QStringLiteral("Label6"), QStringLiteral("000"), sansFont(20, true),
                    Qt::AlignLeft | Qt::AlignVCenter);
-    look::place(Label6, 3120, 495, 1215, 585);
+    look::place(Label6, 3120, 420, 1215, 510);
     ProgressBar1 = make<QProgressBar>(area, QStringLiteral("ProgressBar1"));
     ProgressBar1->setRange(0, 59);
     ProgressBar1->setValue(0);
     ProgressBar1->setTextVisible(false);
-    look::place(ProgressBar1, 120, 1110, 3615, 90);
+    look::place(ProgressBar1, 120, 960, 3615, 75);
     Label3 = label(area, QStringLiteral("Label3"), QStringLiteral("000"), sansFont(7),
                    Qt::AlignRight | Qt::AlignVCenter);
-    look::place(Label3, 3765, 1065, 570, 180);
+    look::place(Label3, 3765, 930, 570, 150);
     look::setFore(Label3, look::grey);
 
-    // The recording row: "Lap" (or the bib field) and the rank counter.
+    // The recording row: "Lap" (or the bib field in its place) and the rank counter.
     Command3 = make<QPushButton>(area, QStringLiteral("Command3"));
     Command3->setText(QStringLiteral("Lap"));
     Command3->setFont(sansFont(14, true));
-    look::place(Command3, 120, 1260, 3135, 525);
+    look::place(Command3, 120, 1080, 3135, 570);
     Command3->setEnabled(false);
     Text1 = make<QLineEdit>(area, QStringLiteral("Text1"));
     Text1->setMaxLength(4);
     Text1->setFont(sansFont(18));
     Text1->setAlignment(Qt::AlignCenter);
     Text1->setToolTip(QStringLiteral("Dorsal del corredor que llega; Intro toma el tiempo"));
-    look::place(Text1, 960, 1080, 1455, 525);
+    look::place(Text1, 960, 1080, 1455, 570);
     Text1->setVisible(false);
     Text1->setEnabled(false);
     Label2 = label(area, QStringLiteral("Label2"), QStringLiteral("0"), sansFont(16, true),
                    Qt::AlignCenter);
     Label2->setToolTip(QStringLiteral("Llegados"));
-    look::place(Label2, 3360, 1260, 975, 525);
+    look::place(Label2, 3360, 1080, 975, 570);
 
     // The results area.
     Frame1 = make<QGroupBox>(area, QStringLiteral("Frame1"));
     Frame1->setTitle(QStringLiteral("Tiempos Parciales"));
     look::place(Frame1, 120, 2040, 4215, 1815);
     Label9 = label(Frame1, QStringLiteral("Label9"), QStringLiteral("Tiempo del Primero"), titleFont);
-    look::place(Label9, 120, 225, 1950, 225);
+    look::place(Label9, 60, 255, 2010, 165);
     Label10 = label(Frame1, QStringLiteral("Label10"), QStringLiteral("Diferencia con el Primero"), titleFont);
-    look::place(Label10, 2145, 225, 1950, 225);
+    look::place(Label10, 2145, 255, 2010, 165);
     Label4 = label(Frame1, QStringLiteral("Label4"), QStringLiteral("00:00:00:000"), timeFont, Qt::AlignCenter);
-    look::place(Label4, 120, 450, 1950, 345);
+    look::place(Label4, 60, 420, 2010, 285);
     Label7 = label(Frame1, QStringLiteral("Label7"), QStringLiteral("0:00:00:000"), timeFont, Qt::AlignCenter);
-    look::place(Label7, 2145, 450, 1950, 345);
+    look::place(Label7, 2145, 420, 2010, 285);
     Label12 = label(Frame1, QStringLiteral("Label12"), QStringLiteral("Ultimo en llegar"), titleFont);
-    look::place(Label12, 120, 840, 1950, 225);
+    look::place(Label12, 60, 735, 2010, 165);
     Label11 = label(Frame1, QStringLiteral("Label11"), QStringLiteral("Diferencia con el Primero"), titleFont);
-    look::place(Label11, 2145, 840, 1950, 225);
+    look::place(Label11, 2145, 735, 2010, 165);
     Label5 = label(Frame1, QStringLiteral("Label5"), QStringLiteral("00:00:00:000"), timeFont, Qt::AlignCenter);
-    look::place(Label5, 120, 1065, 1950, 345);
+    look::place(Label5, 60, 900, 2010, 285);
     Label8 = label(Frame1, QStringLiteral("Label8"), QStringLiteral("0:00:00:000"), timeFont, Qt::AlignCenter);
-    look::place(Label8, 2145, 1065, 1950, 345);
+    look::place(Label8, 2145, 900, 2010, 285);
     Label13 = label(Frame1, QStringLiteral("Label13"), QStringLiteral("Tiempos"), titleFont);
-    look::place(Label13, 120, 1470, 735, 270);
+    look::place(Label13, 60, 1215, 2010, 165);
     Combo1 = make<QComboBox>(Frame1, QStringLiteral("Combo1"));
     Combo1->setFont(look::fixedFont(10));
     Combo1->setFocusPolicy(Qt::ClickFocus);
-    look::place(Combo1, 870, 1425, 3225, 330);
+    look::place(Combo1, 15, 1395, 4185, 345);
     for (QLabel* l : {Label4, Label7, Label5, Label8})
         look::setColours(l, look::lightGrey, Qt::black);
     for (QLabel* l : {Label4, Label7, Label5, Label8})
         l->setEnabled(false);
+    // In the bibs-only layout the bib field lies within the frame's rectangle: it stays on top.
+    Text1->raise();
 
     // The results list with its header, the line under correction and the correction field.
     Label16 = label(area, QStringLiteral("Label16"), QStringLiteral(" Ord. Dor.  Tiempo      Diferen."),
                     look::fixedFont(9));
-    look::place(Label16, 4440, 0, 4335, 240);
+    look::place(Label16, 4500, 0, 4275, 240);
     List1 = make<QListWidget>(area, QStringLiteral("List1"));
     List1->setFont(look::fixedFont(9));
     List1->setUniformItemSizes(true);
@@ -188,41 +191,42 @@ void FormMarvolendo::buildControls()
     Label15 = label(area, QStringLiteral("Label15"),
                     QStringLiteral("Pulsar 'doble click' sobre la lista para cambiar el dorsal"),
                     titleFont);
-    look::place(Label15, 3600, 3960, 3900, 240);
+    Label15->setWordWrap(true);
+    Label15->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    look::place(Label15, 3600, 3870, 3900, 420);
     Text2 = make<QLineEdit>(area, QStringLiteral("Text2"));
     Text2->setFont(sansFont(13.5));
     Text2->setAlignment(Qt::AlignCenter);
     Text2->setEnabled(false);
     Text2->setToolTip(QStringLiteral("Dorsal corregido; Intro lo escribe en la linea"));
     look::place(Text2, 7560, 3840, 1215, 450);
-    for (QWidget* w : {static_cast<QWidget*>(Label14), static_cast<QWidget*>(Label15),
-                       static_cast<QWidget*>(Label16), static_cast<QWidget*>(List1),
-                       static_cast<QWidget*>(Text2)})
-        w->setVisible(false);
+    // As drawn, the window is the wide one with the results list; the copy of the line under
+    // correction is never shown.
+    Label14->setVisible(false);
 
     // The start order and the picture of the bibs-and-times mode.
     Command7 = make<QPushButton>(area, QStringLiteral("Command7"));
     Command7->setText(QStringLiteral("Cargar orden de salida"));
-    look::place(Command7, 8880, 0, 2700, 420);
+    look::place(Command7, 8880, 0, 3900, 405);
     Command8 = pictureButton(area, QStringLiteral("Command8"), artwork::emptyListIcon(),
                              QStringLiteral("Vaciar el orden de salida"));
-    look::place(Command8, 11640, 0, 480, 420);
+    look::place(Command8, 12840, 0, 480, 405);
     List2 = make<QListWidget>(area, QStringLiteral("List2"));
     List2->setFont(look::fixedFont(9));
     List2->setUniformItemSizes(true);
-    look::place(List2, 8880, 465, 3240, 1890);
+    look::place(List2, 8880, 465, 4440, 1890);
     Image1 = make<QLabel>(area, QStringLiteral("Image1"));
     Image1->setPixmap(artwork::finishLine());
     Image1->setScaledContents(true);
-    look::place(Image1, 8880, 2445, 2925, 1755);
+    look::place(Image1, 9555, 2445, 3075, 1845);
     Image1->setVisible(false);
 
     // The "GUARDADO" notice of the results files.
     Frame3 = make<QGroupBox>(area, QStringLiteral("Frame3"));
-    look::place(Frame3, 1200, 1260, 2115, 525);
+    look::place(Frame3, 1200, 1080, 2115, 570);
     Label17 = label(Frame3, QStringLiteral("Label17"), QStringLiteral("GUARDADO"), sansFont(14, true),
                     Qt::AlignCenter);
-    look::place(Label17, 30, 30, 2055, 465);
+    look::place(Label17, 30, 30, 2055, 510);
     look::setColours(Frame3, look::darkRed, Qt::white);
     Frame3->setAutoFillBackground(true);
     look::setColours(Label17, look::darkRed, Qt::white);

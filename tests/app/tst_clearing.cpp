@@ -222,6 +222,11 @@ void ClearingTest::compactAndBackInBibsAndTimes()
     f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 1)));
     FormMarvolendo& w = f.open();
     QVERIFY(f.action("opp2")->isChecked());
+    // A restart in this mode opens the window as drawn: wide, with the results list.
+    QCOMPARE(w.size(), twips(13440, 5115));
+    for (const char* shown : {"List1", "Label16", "Label15", "Text2", "Image1", "Text1"})
+        QVERIFY2(!f.child<QWidget>(shown)->isHidden(), shown);
+    QCOMPARE(f.lines("List1"), stoppedRace().list1);
     f.trigger("opp4");
     QCOMPARE(w.size(), twips(4545, 2050));
     f.trigger("opp4");
