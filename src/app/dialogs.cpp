@@ -36,6 +36,7 @@ QString QtDialogs::openFile(QWidget* parent, const FileRequest& request)
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilter(request.filter);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setDefaultSuffix(request.defaultSuffix);
     const QFileInfo proposed(request.proposedName);
     if (proposed.dir().exists())

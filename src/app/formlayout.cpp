@@ -286,24 +286,33 @@ void FormMarvolendo::buildMenus()
 
 void FormMarvolendo::connectHandlers()
 {
-    connect(Command1[0], &QPushButton::clicked, this, [this] { Command1_Click(0); });
-    connect(Command1[1], &QPushButton::clicked, this, [this] { Command1_Click(1); });
-    connect(Command2[0], &QPushButton::clicked, this, [this] { Command2_Click(0); });
-    connect(Command2[1], &QPushButton::clicked, this, [this] { Command2_Click(1); });
-    connect(Command3, &QPushButton::clicked, this, &FormMarvolendo::recordFinish);
-    connect(Command4, &QPushButton::clicked, this, &FormMarvolendo::Command4_Click);
+    // Every handler that can change the race record leaves an entry in the journal before the
+    // event is done with.
+    const auto recorded = [this](auto handler) {
+        return [this, handler] {
+            handler();
+            journalCheckpoint();
+        };
+    };
+    connect(Command1[0], &QPushButton::clicked, this, recorded([this] { Command1_Click(0); }));
+    connect(Command1[1], &QPushButton::clicked, this, recorded([this] { Command1_Click(1); }));
+    connect(Command2[0], &QPushButton::clicked, this, recorded([this] { Command2_Click(0); }));
+    connect(Command2[1], &QPushButton::clicked, this, recorded([this] { Command2_Click(1); }));
+    connect(Command3, &QPushButton::clicked, this, recorded([this] { recordFinish(); }));
+    connect(Command4, &QPushButton::clicked, this, recorded([this] { Command4_Click(); }));
     connect(Command5, &QPushButton::clicked, this, &FormMarvolendo::Command5_Click);
     connect(Command6, &QPushButton::clicked, this, &FormMarvolendo::Command6_Click);
-    connect(Command7, &QPushButton::clicked, this, &FormMarvolendo::Command7_Click);
-    connect(Command8, &QPushButton::clicked, this, &FormMarvolendo::Command8_Click);
+    connect(Command7, &QPushButton::clicked, this, recorded([this] { Command7_Click(); }));
+    connect(Command8, &QPushButton::clicked, this, recorded([this] { Command8_Click(); }));
     connect(Timer1, &QTimer::timeout, this, &FormMarvolendo::Timer1_Timer);
     connect(Timer2, &QTimer::timeout, this, &FormMarvolendo::Timer2_Timer);
     // Qt toggles a check item before it reports the click, while these handlers move their
     // own check marks: the mark is put back as it stood, then the handler runs.
     const auto menuClick = [this](QAction* action, auto handler) {
-        connect(action, &QAction::triggered, this, [action, handler](bool checked) {
+        connect(action, &QAction::triggered, this, [this, action, handler](bool checked) {
             action->setChecked(!checked);
             handler();
+            journalCheckpoint();
         });
     };
     for (int i = 0; i < 3; ++i)

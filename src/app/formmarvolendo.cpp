@@ -43,7 +43,10 @@ FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, QWidge
     connectHandlers();
     // The window as drawn: the wide layout with the results list.
     setFormTwips(13440, 5115);
+    // After an abnormal end the journal may hold finishes the state file lacks.
+    offerRecovery();
     Form_Load();
+    startJournal();
 }
 
 FormMarvolendo::~FormMarvolendo() = default;
@@ -294,6 +297,7 @@ void FormMarvolendo::Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift)
         recordFinish();
         Text1->setText(QString());
         guardarSalidas();
+        journalCheckpoint();
     }
 }
 
@@ -313,12 +317,14 @@ void FormMarvolendo::Command8_Click()
 void FormMarvolendo::Command5_Click()
 {
     guardarEstado();
+    journal.markClean();
     emit terminar();
 }
 
 void FormMarvolendo::closeEvent(QCloseEvent* event)
 {
-    // Closing the window ends the program without saving.
+    // Closing the window ends the program without saving; the journal is closed as a normal end.
+    journal.markClean();
     event->accept();
 }
 
@@ -353,6 +359,7 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
         return false;
     case QEvent::MouseButtonDblClick:
         first ? Text1_DblClick() : Text2_DblClick();
+        journalCheckpoint(!first);
         return true;
     case QEvent::KeyPress:
         break;
@@ -375,6 +382,8 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
         return true; // a character outside the code page is swallowed
     const int typed = code;
     first ? Text1_KeyPress(code) : Text2_KeyPress(code);
+    if (typed == 13)
+        journalCheckpoint(!first); // a finish, or a corrected bib
     if (code != 0 && code != 13 && code != typed) {
         // The filter changed the key (upper case, say): type the changed character instead.
         (first ? Text1 : Text2)->insert(QString(cp1252::character(code)));

@@ -9,6 +9,7 @@
 //   src/files    results files, start-order import, the readings database link
 #pragma once
 
+#include "app/core/journal.h"
 #include "app/core/racestate.h"
 #include "app/core/statefile.h"
 #include "entry/core/entrada.h"
@@ -175,6 +176,16 @@ private:
     QAction* hhora = nullptr;
 
     std::unique_ptr<readings::ReadingsLink> conexion;
+
+    // The finish journal (journalling.cpp): what it holds so far, so that a change is written
+    // as the smallest entry that describes it.
+    Journal journal;
+    RaceRecord journaled;
+    std::optional<RaceRecord> recoveredLabels;
+    void offerRecovery();
+    void startJournal();
+    void journalCheckpoint(bool mayCorrect = false);
+    RaceRecord currentRecord() const;
     Clock& clock;
     Dialogs& dialogs;
 

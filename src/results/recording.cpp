@@ -10,16 +10,19 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSignalBlocker>
 
 using resultline::Target;
 
 namespace
 {
 
-// The last line just added becomes the list's selected line, scrolled into view.
+// The last line just added becomes the list's selected line, scrolled into view. Selecting it
+// is not a click of the operator: a bib correction under way keeps the line it was opened on.
 void showLast(QListWidget* list)
 {
     const int last = list->count() - 1;
+    const QSignalBlocker quiet(list);
     list->setCurrentRow(last);
     list->scrollToItem(list->item(last));
 }

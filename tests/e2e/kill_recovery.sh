@@ -35,7 +35,7 @@ for round in $(seq "$ROUNDS"); do
     journal_list1_of "$WORK/killed.jrn" >"$WORK/journal.txt"
 
     # Started again: the recovery question, answered with Enter ("Si" is the default).
-    start_app
+    launch_app
     wait_window 'Recuperar la carrera' >/dev/null
     xdotool key Return
     for _ in $(seq 100); do

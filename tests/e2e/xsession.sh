@@ -33,20 +33,29 @@ for _ in $(seq 50); do
     sleep 0.1
 done
 
-# Starts the program in $WORK and waits for its window; sets APP_PID and APP_WIN.
-start_app() {
+# Starts the program in $WORK; sets APP_PID.
+launch_app() {
     (cd "$WORK" && exec "$APP" >"$WORK/app.log" 2>&1) &
     APP_PID=$!
-    APP_WIN=$(xdotool search --sync --onlyvisible --name '^Marvolendo$' | head -n 1)
-    xdotool windowfocus --sync "$APP_WIN"
 }
 
-# Waits for a window whose title matches, focuses it and prints its id.
+# Waits (20 s at most) for a window whose title matches, focuses it and prints its id.
 wait_window() {
     local id
-    id=$(timeout 20 xdotool search --sync --onlyvisible --name "$1" | head -n 1)
+    id=$(timeout 20 xdotool search --sync --onlyvisible --name "$1" | head -n 1) || true
+    if [ -z "$id" ]; then
+        echo "FAIL: no window named '$1' appeared" >&2
+        cat "$WORK/app.log" >&2 || true
+        exit 1
+    fi
     xdotool windowfocus --sync "$id"
     echo "$id"
+}
+
+# Starts the program and waits for its main window; sets APP_PID and APP_WIN.
+start_app() {
+    launch_app
+    APP_WIN=$(wait_window '^Marvolendo$')
 }
 
 # The List1 lines of a state file, one per line (the second of each pair after line 9).
