@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace artwork {
 
 namespace {
@@ -90,14 +92,17 @@ void drawEmptyList(QPainter& p)
 
 void drawApp(QPainter& p)
 {
-    // The program's icon: a teal stopwatch with a chequered flag band.
-    p.setPen(QPen(QColor(20, 20, 20), 3));
+    // The program's icon: a teal stopwatch with dark red hands. Drawn small, no line is
+    // thinner than one pixel of the device.
+    const qreal pixel = 1.0 / p.transform().m11();
+    const auto width = [pixel](qreal w) { return std::max(w, pixel); };
+    p.setPen(QPen(QColor(20, 20, 20), width(3)));
     p.setBrush(QColor(0, 128, 128));
     p.drawEllipse(QPointF(32, 36), 25, 25);
     p.setBrush(QColor(255, 255, 192));
     p.drawEllipse(QPointF(32, 36), 18, 18);
     p.drawRect(QRectF(27, 3, 10, 7));
-    p.setPen(QPen(QColor(128, 0, 0), 4, Qt::SolidLine, Qt::RoundCap));
+    p.setPen(QPen(QColor(128, 0, 0), width(4), Qt::SolidLine, Qt::RoundCap));
     p.drawLine(QPointF(32, 36), QPointF(32, 22));
     p.drawLine(QPointF(32, 36), QPointF(42, 40));
 }
@@ -124,9 +129,27 @@ QIcon emptyListIcon()
     return icon(drawEmptyList);
 }
 
+QPixmap appIconPixmap(int size)
+{
+    // The drawing is made on the 64-pixel grid of the other icons; the painter scales it, so
+    // every size is drawn afresh rather than resampled.
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    const qreal scale = size / qreal(side);
+    p.scale(scale, scale);
+    drawApp(p);
+    p.end();
+    return pixmap;
+}
+
 QIcon appIcon()
 {
-    return icon(drawApp);
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        icon.addPixmap(appIconPixmap(size));
+    return icon;
 }
 
 QPixmap finishLine()

@@ -14,4 +14,7 @@ QIcon emptyListIcon();   // Command8: empty the start order
 QIcon appIcon();         // the program's own icon
 QPixmap finishLine();    // Image1, 500 x 300
 
+// The program's icon drawn afresh on a square of size pixels (the desktop's icon files).
+QPixmap appIconPixmap(int size);
+
 } // namespace artwork
