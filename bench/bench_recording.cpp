@@ -138,7 +138,7 @@ int main(int argc, char* argv[])
     qputenv("MARVOLENDO_DRIVE_C", QFile::encodeName(folder.filePath(QStringLiteral("C"))));
     qputenv("MARVOLENDO_DRIVE_D", QFile::encodeName(folder.filePath(QStringLiteral("D"))));
     {
-        QFile file(QLatin1String(statefile::fileName));
+        QFile file{QLatin1String(statefile::fileName)};
         const QByteArray bytes = statefile::encode(bigRace());
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
             std::fprintf(stderr, "cannot write the state file\n");

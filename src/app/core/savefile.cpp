@@ -52,8 +52,14 @@ QString write(const QString& path, const QByteArray& bytes)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return reason(file, path);
-    if (file.write(bytes) != bytes.size() || !file.flush()) {
-        const QString why = reason(file, path);
+    // A write cut short without an error is how a full disk shows (and commit() would then
+    // report success over the truncated file).
+    const qint64 written = file.write(bytes);
+    if (written != bytes.size() || !file.flush()) {
+        const QString why = written >= 0 && written < bytes.size() &&
+                                    file.error() == QFileDevice::NoError
+                                ? QStringLiteral("el disco esta lleno")
+                                : reason(file, path);
         file.cancelWriting();
         return why;
     }

@@ -1,0 +1,87 @@
+// The state file and the journal with a big race: 10,000 finishers (20,000 list lines) and a
+// start order of 500 lines.
+//   build/bench/bench_statefile
+#include "app/core/journal.h"
+#include "app/core/statefile.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+RaceState bigRace()
+{
+    RaceState s;
+    s.inicio = 36000.5;
+    s.desfase = 0.25;
+    s.horaSalida = QStringLiteral("09:45");
+    s.tempsPrimer = QStringLiteral("00:12:30:125");
+    s.formato = 2.0;
+    s.modoCaptura = 1.0;
+    for (int i = 1; i <= 10000; ++i) {
+        s.combo1 << QStringLiteral("%1- 00:%2:30:125 - 0:00:%3:000").arg(i % 10000, 4).arg(i % 60, 2, 10, QChar(u'0')).arg(i % 60, 2, 10, QChar(u'0'));
+        s.list1 << QStringLiteral("%1-%2- 00:%3:30:125 - 0:00:%4:000").arg(i % 10000, 4).arg(i % 9000, 4).arg(i % 60, 2, 10, QChar(u'0')).arg(i % 60, 2, 10, QChar(u'0'));
+    }
+    for (int i = 1; i <= 500; ++i)
+        s.list2 << QStringLiteral("%1-%2 - 0:%3:30").arg(i, 4).arg(i, 4).arg(i % 60, 2, 10, QChar(u'0'));
+    return s;
+}
+
+template <typename F> std::pair<double, double> measure(int runs, F&& work)
+{
+    std::vector<double> ms;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer t;
+        t.start();
+        work();
+        ms.push_back(static_cast<double>(t.nsecsElapsed()) / 1e6);
+    }
+    std::sort(ms.begin(), ms.end());
+    return {ms[ms.size() / 2], ms.back()};
+}
+
+} // namespace
+
+int main()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("MARVO.dat"));
+    const QString fallback = dir.filePath(QStringLiteral("fallback.dat"));
+    const RaceState race = bigRace();
+
+    const auto write = measure(21, [&] { statefile::save(race, path, fallback); });
+    const auto read = measure(21, [&] {
+        if (statefile::read(path).state.list1.size() != 10000)
+            std::abort();
+    });
+    const auto encode = measure(21, [&] { statefile::encode(race); });
+
+    Journal journal;
+    RaceRecord record{race, {}, {}, {}};
+    journal.start(dir.filePath(QStringLiteral("MARVO.jrn")), record);
+    FinishEntry finish;
+    finish.label2 = QStringLiteral("10001");
+    finish.hasLines = true;
+    finish.combo1Line = race.combo1.last();
+    finish.list1Line = race.list1.last();
+    finish.tempsPrimer = race.tempsPrimer;
+    finish.label4 = finish.label5 = race.tempsPrimer;
+    finish.label8 = QStringLiteral("0:00:00:000");
+    const auto entry = measure(2001, [&] { journal.append(journal::encodeFinish(finish)); });
+    const auto snapshot = measure(5, [&] { journal.append(journal::encodeSnapshot(record)); });
+
+    std::printf("state file, 10,000 finishers + 500 start lines (%lld bytes):\n",
+                static_cast<long long>(QFileInfo(path).size()));
+    std::printf("  write (atomic, synced): median %.2f ms, worst %.2f ms\n", write.first, write.second);
+    std::printf("  of which encoding:      median %.2f ms\n", encode.first);
+    std::printf("  read:                   median %.2f ms, worst %.2f ms\n", read.first, read.second);
+    std::printf("journal entry of a finish: median %.4f ms, worst %.4f ms\n", entry.first, entry.second);
+    std::printf("journal snapshot of the whole race: median %.2f ms\n", snapshot.first);
+    return 0;
+}
