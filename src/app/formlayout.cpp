@@ -2,6 +2,7 @@
 #include "app/artwork.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
+#include "app/texts.h"
 #include "files/adodatacontrol.h"
 
 #include <QAction>
@@ -103,7 +104,7 @@ void FormMarvolendo::buildControls()
     look::place(Label18, 2760, 0, 555, 405);
     Label18->setToolTip(QStringLiteral("Cuenta atras hasta la salida seleccionada"));
     Command6 = pictureButton(area, QStringLiteral("Command6"), artwork::exportIcon(),
-                             QStringLiteral("Crea un fichero en C:\\carreras\\copias / Tiempos-Marvo.TXT"));
+                             texts::tipOneFile);
     look::place(Command6, 3360, 0, 480, 405);
     Command5 = pictureButton(area, QStringLiteral("Command5"), artwork::saveAndEndIcon(),
                              QStringLiteral("Guardar y salir"));
@@ -116,6 +117,8 @@ void FormMarvolendo::buildControls()
     Label6 = label(area, QStringLiteral("Label6"), QStringLiteral("000"), sansFont(20, true),
                    Qt::AlignLeft | Qt::AlignVCenter);
     look::place(Label6, 3120, 420, 1215, 510);
+    // In "Segundos" the clock is widened over the emptied fraction label: it lies above it.
+    Label1->raise();
     ProgressBar1 = make<QProgressBar>(area, QStringLiteral("ProgressBar1"));
     ProgressBar1->setRange(0, 59);
     ProgressBar1->setValue(0);

@@ -6,6 +6,7 @@
 #include "app/core/cp1252.h"
 #include "app/core/paths.h"
 #include "app/look.h"
+#include "app/texts.h"
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
 #include "files/adodatacontrol.h"
@@ -186,15 +187,12 @@ void FormMarvolendo::recuperar()
         opp2_Click();
         Command3->setVisible(true);
         Text1->setVisible(false);
-        Command6->setToolTip(
-            QStringLiteral("Crea un fichero en C:\\carreras\\copias / Tiempos-Marvo.TXT"));
+        Command6->setToolTip(texts::tipOneFile);
     } else if (mode == 1) {
         opp2->setChecked(true);
         Text1->setVisible(true);
         Command3->setVisible(false);
-        Command6->setToolTip(QStringLiteral(
-            "Crea tres ficheros en C:\\carreras\\copias / Dorsales-Marvo.TXT - "
-            "dorsales-Tiempos-Marvo.TXT y Tiempos-Marvo.TXT"));
+        Command6->setToolTip(texts::tipThreeFiles);
     } else if (mode == 2) {
         look::setPointSize(List1, 14);
         opp22->setChecked(false);

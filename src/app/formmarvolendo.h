@@ -198,7 +198,8 @@ private:
     void guardarSalidas();
     void recordFinish(); // a fresh tick, then the Lap: a finish is stamped when it arrives
     void rewriteCorrectedLine();
-    int checkedFormat() const; // index of the first checked op2 entry, -1 when none
+    int checkedFormat() const;
+    QList<QWidget*> bibsOnlyHidden() const; // index of the first checked op2 entry, -1 when none
     RaceState currentState() const;
     void setFormTwips(int widthTwips, int heightTwips);
     void setFormWidthTwips(int widthTwips);

@@ -1,6 +1,7 @@
 // The time-format and capture-mode options.
 #include "app/formmarvolendo.h"
 #include "app/look.h"
+#include "app/texts.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -14,21 +15,11 @@
 namespace
 {
 
-const QString zeroClock = QStringLiteral("00:00:00");
+using texts::zeroClock;
 
 const QString formatTitle = QStringLiteral("Formato de tiempo");
 const QString formatWarning =
     QStringLiteral("Cuidado si cambia el formato borrara todos los tiempos almacenados");
-
-const QString tipOneFile =
-    QStringLiteral("Crea un fichero en C:\\carreras\\copias / Tiempos-Marvo.TXT");
-const QString tipLapMode =
-    QStringLiteral("Crea tres ficheros en C:\\carreras\\copias / Tiempos-Marvo.TXT");
-const QString tipThreeFiles =
-    QStringLiteral("Crea tres ficheros en C:\\carreras\\copias / Dorsales-Marvo.TXT - "
-                   "dorsales-Tiempos-Marvo.TXT y Tiempos-Marvo.TXT");
-const QString tipBibsOnly =
-    QStringLiteral("Crea tres ficheros en C:\\carreras\\copias / Dorsales-Marvo.TXT");
 
 // The entry of the format menu that matches formato; a saved code outside 0-2 has none.
 QAction* formatEntry(QAction* const (&entries)[3], const Variant& formato)
@@ -42,6 +33,15 @@ QAction* formatEntry(QAction* const (&entries)[3], const Variant& formato)
 }
 
 } // namespace
+
+// What the bibs-only sheet hides besides the run-control buttons: the clock, its buttons and
+// the results labels. Leaving the sheet shows them again.
+QList<QWidget*> FormMarvolendo::bibsOnlyHidden() const
+{
+    return {Command2[0],  Command2[1], Command3, Command4, Label1, Label6,
+            ProgressBar1, Label9,      Label10,  Label4,   Label7, Label12,
+            Label11,      Label5,      Label8,   Label2,   Label13};
+}
 
 void FormMarvolendo::op2_Click(int index)
 {
@@ -123,7 +123,7 @@ void FormMarvolendo::opp2_Click()
         Label14->setVisible(false);
         Combo1->setVisible(false);
         setFormWidthTwips(13440);
-        Command6->setToolTip(tipThreeFiles);
+        Command6->setToolTip(texts::tipThreeFiles);
         Image1->setVisible(true);
     } else {
         modoCaptura = 0.0;
@@ -136,7 +136,7 @@ void FormMarvolendo::opp2_Click()
             w->setVisible(false);
         Combo1->setVisible(true);
         setFormWidthTwips(4545);
-        Command6->setToolTip(tipLapMode);
+        Command6->setToolTip(texts::tipLapMode);
         move(look::px(3000), y());
         Image1->setVisible(false);
     }
@@ -172,17 +172,10 @@ void FormMarvolendo::opp22_Click()
 
     if (opp22->isChecked()) {
         // The bib-entry sheet: no clock, the bib field on top, the list of bibs below.
-        Command6->setToolTip(tipBibsOnly);
-        for (QWidget* w : {static_cast<QWidget*>(Command1[0]), static_cast<QWidget*>(Command1[1]),
-                           static_cast<QWidget*>(Command2[0]), static_cast<QWidget*>(Command2[1]),
-                           static_cast<QWidget*>(Command3), static_cast<QWidget*>(Command4),
-                           static_cast<QWidget*>(Label1), static_cast<QWidget*>(Label6),
-                           static_cast<QWidget*>(ProgressBar1), static_cast<QWidget*>(Label9),
-                           static_cast<QWidget*>(Label10), static_cast<QWidget*>(Label4),
-                           static_cast<QWidget*>(Label7), static_cast<QWidget*>(Label12),
-                           static_cast<QWidget*>(Label11), static_cast<QWidget*>(Label5),
-                           static_cast<QWidget*>(Label8), static_cast<QWidget*>(Label2),
-                           static_cast<QWidget*>(Label13)})
+        Command6->setToolTip(texts::tipBibsOnly);
+        Command1[0]->setVisible(false);
+        Command1[1]->setVisible(false);
+        for (QWidget* w : bibsOnlyHidden())
             w->setVisible(false);
         Frame1->setTitle(QString());
         Text1->setVisible(true);
@@ -203,15 +196,7 @@ void FormMarvolendo::opp22_Click()
         look::setBack(List1, look::lightYellow);
     } else {
         Command1[0]->setVisible(true);
-        for (QWidget* w : {static_cast<QWidget*>(Command2[0]), static_cast<QWidget*>(Command2[1]),
-                           static_cast<QWidget*>(Command3), static_cast<QWidget*>(Command4),
-                           static_cast<QWidget*>(Label1), static_cast<QWidget*>(Label6),
-                           static_cast<QWidget*>(ProgressBar1), static_cast<QWidget*>(Label9),
-                           static_cast<QWidget*>(Label10), static_cast<QWidget*>(Label4),
-                           static_cast<QWidget*>(Label7), static_cast<QWidget*>(Label12),
-                           static_cast<QWidget*>(Label11), static_cast<QWidget*>(Label5),
-                           static_cast<QWidget*>(Label8), static_cast<QWidget*>(Label2),
-                           static_cast<QWidget*>(Label13)})
+        for (QWidget* w : bibsOnlyHidden())
             w->setVisible(true);
         Frame1->setTitle(QStringLiteral("Tiempos parciales"));
         look::move(Text1, 960, 1080);
@@ -224,6 +209,6 @@ void FormMarvolendo::opp22_Click()
         look::setLeft(Label15, 3600);
         Combo1->setVisible(true);
         look::setBack(Text1, look::lightGrey);
-        Command6->setToolTip(tipOneFile);
+        Command6->setToolTip(texts::tipOneFile);
     }
 }

@@ -2,6 +2,7 @@
 #include "app/core/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
+#include "app/texts.h"
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
 
@@ -16,7 +17,7 @@
 
 namespace {
 
-const QString zeroClock = QStringLiteral("00:00:00");
+using texts::zeroClock;
 
 } // namespace
 

@@ -2,6 +2,7 @@
 #include "app/core/statefile.h"
 #include "app/look.h"
 #include "support/formfixture.h"
+#include "support/races.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -32,21 +33,6 @@ namespace
 
 const QString clearTitle = QStringLiteral("Borrado de tiempos");
 const QString clearText = QStringLiteral("Cuidado si continua borrara todos los datos almacenados");
-
-RaceState stoppedRace(double formato = 2, double modo = 0)
-{
-    RaceState s;
-    s.horaSalida = QStringLiteral("0    ");
-    s.tempsPrimer = QStringLiteral("00:12:30:125");
-    s.formato = formato;
-    s.modoCaptura = modo;
-    s.combo1 = {QStringLiteral("   1- 00:12:30:125 - 0:00:00:000"),
-                QStringLiteral("   2- 00:14:02:500 - 0:01:32:375")};
-    s.list1 = {QStringLiteral("   1-  57- 00:12:30:125 - 0:00:00:000"),
-               QStringLiteral("   2- 112- 00:14:02:500 - 0:01:32:375")};
-    s.list2 = {QStringLiteral("   1-  27 - 0:10:30"), QStringLiteral("   2-  31 - 0:11:00")};
-    return s;
-}
 
 QSize twips(int width, int height)
 {

@@ -1,5 +1,6 @@
 #include "app/core/statefile.h"
 #include "support/formfixture.h"
+#include "support/races.h"
 
 #include <QAction>
 #include <QLabel>
@@ -21,25 +22,6 @@ private slots:
 };
 
 namespace {
-
-RaceState runningRace()
-{
-    RaceState s;
-    s.inicio = 9 * 3600.0; // started at 09:00:00
-    s.desfase = 0;
-    s.horaSalida = QStringLiteral("09:00");
-    s.tempsPrimer = QStringLiteral("00:12:30:125");
-    s.label5 = QStringLiteral("00:14:02:500");
-    s.label8 = QStringLiteral("0:01:32:375");
-    s.formato = 2.0;
-    s.modoCaptura = 0.0;
-    s.combo1 = {QStringLiteral("   1- 00:12:30:125 - 0:00:00:000"),
-                QStringLiteral("   2- 00:14:02:500 - 0:01:32:375")};
-    s.list1 = {QStringLiteral("   1-  57- 00:12:30:125 - 0:00:00:000"),
-               QStringLiteral("   2- 112- 00:14:02:500 - 0:01:32:375")};
-    s.list2 = {QStringLiteral("   1-  27 - 0:10:30")};
-    return s;
-}
 
 } // namespace
 

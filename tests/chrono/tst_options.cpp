@@ -2,6 +2,7 @@
 #include "app/core/statefile.h"
 #include "app/look.h"
 #include "support/formfixture.h"
+#include "support/races.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -38,22 +39,6 @@ const QString formatTitle = QStringLiteral("Formato de tiempo");
 const QString formatText =
     QStringLiteral("Cuidado si cambia el formato borrara todos los tiempos almacenados");
 const QString clearTitle = QStringLiteral("Borrado de tiempos");
-
-// A stopped race with two finishes and a start order, as the state file keeps it.
-RaceState stoppedRace(double formato = 2, double modo = 0)
-{
-    RaceState s;
-    s.horaSalida = QStringLiteral("0    ");
-    s.tempsPrimer = QStringLiteral("00:12:30:125");
-    s.formato = formato;
-    s.modoCaptura = modo;
-    s.combo1 = {QStringLiteral("   1- 00:12:30:125 - 0:00:00:000"),
-                QStringLiteral("   2- 00:14:02:500 - 0:01:32:375")};
-    s.list1 = {QStringLiteral("   1-  57- 00:12:30:125 - 0:00:00:000"),
-               QStringLiteral("   2- 112- 00:14:02:500 - 0:01:32:375")};
-    s.list2 = {QStringLiteral("   1-  27 - 0:10:30")};
-    return s;
-}
 
 QStringList fileLines(const FormFixture& f)
 {
