@@ -61,6 +61,7 @@ private slots:
     void correctionOutOfPlace_data();
     void correctionOutOfPlace();
     void correctionAboveMaximum();
+    void finishDuringCorrectionKeepsTheChosenLine();
     void correctionEnterWhenEmpty();
     void finishBibs_data();
     void finishBibs();
@@ -185,6 +186,23 @@ void TstBibFields::correctionAboveMaximum()
     QCOMPARE(f.lines(QStringLiteral("List1")),
              (QStringList{line1, "   2-1234- 00:00:02 - 0:00:01"}));
     QCOMPARE(f.dialogs.shown.size(), 1);
+}
+
+void TstBibFields::finishDuringCorrectionKeepsTheChosenLine()
+{
+    // A runner crosses while the timekeeper types a corrected bib: F1 records the finish and
+    // the correction still lands on the line that was double-clicked.
+    FormFixture f;
+    openWithLines(f, {line1, line2, line3});
+    chooseLine(f, 1);
+    QLineEdit* Text2 = field(f, "Text2");
+    QTest::keyClicks(Text2, QStringLiteral("4"));
+    f.pressF(1);
+    QCOMPARE(f.lines(QStringLiteral("List1")).size(), 4);
+    QTest::keyClicks(Text2, QStringLiteral("2"));
+    QTest::keyClick(Text2, Qt::Key_Return);
+    QCOMPARE(f.lines(QStringLiteral("List1")).value(1), QStringLiteral("   2-  42- 00:00:02 - 0:00:01"));
+    QVERIFY(f.lines(QStringLiteral("List1")).value(3).startsWith(QStringLiteral("   4-   0-")));
 }
 
 void TstBibFields::correctionEnterWhenEmpty()
