@@ -21,7 +21,8 @@
 #include <cstdio>
 #include <vector>
 
-namespace {
+namespace
+{
 
 double cpuSeconds()
 {
@@ -66,7 +67,8 @@ int main(int argc, char* argv[])
     wall.start();
     QTimer::singleShot(static_cast<int>(runSeconds * 1000), &app, &QApplication::quit);
     QApplication::exec();
-    const double cpuShare = 100.0 * (cpuSeconds() - cpuBefore) / (static_cast<double>(wall.nsecsElapsed()) / 1e9);
+    const double cpuShare =
+        100.0 * (cpuSeconds() - cpuBefore) / (static_cast<double>(wall.nsecsElapsed()) / 1e9);
 
     // Staleness: the stamped time against the clock read just before the press arrives.
     auto* lap = form.findChild<QPushButton*>(QStringLiteral("Command3"));

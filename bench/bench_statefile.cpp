@@ -13,7 +13,8 @@
 #include <cstdio>
 #include <vector>
 
-namespace {
+namespace
+{
 
 RaceState bigRace()
 {
@@ -25,11 +26,21 @@ RaceState bigRace()
     s.formato = 2.0;
     s.modoCaptura = 1.0;
     for (int i = 1; i <= 10000; ++i) {
-        s.combo1 << QStringLiteral("%1- 00:%2:30:125 - 0:00:%3:000").arg(i % 10000, 4).arg(i % 60, 2, 10, QChar(u'0')).arg(i % 60, 2, 10, QChar(u'0'));
-        s.list1 << QStringLiteral("%1-%2- 00:%3:30:125 - 0:00:%4:000").arg(i % 10000, 4).arg(i % 9000, 4).arg(i % 60, 2, 10, QChar(u'0')).arg(i % 60, 2, 10, QChar(u'0'));
+        s.combo1 << QStringLiteral("%1- 00:%2:30:125 - 0:00:%3:000")
+                        .arg(i % 10000, 4)
+                        .arg(i % 60, 2, 10, QChar(u'0'))
+                        .arg(i % 60, 2, 10, QChar(u'0'));
+        s.list1 << QStringLiteral("%1-%2- 00:%3:30:125 - 0:00:%4:000")
+                       .arg(i % 10000, 4)
+                       .arg(i % 9000, 4)
+                       .arg(i % 60, 2, 10, QChar(u'0'))
+                       .arg(i % 60, 2, 10, QChar(u'0'));
     }
     for (int i = 1; i <= 500; ++i)
-        s.list2 << QStringLiteral("%1-%2 - 0:%3:30").arg(i, 4).arg(i, 4).arg(i % 60, 2, 10, QChar(u'0'));
+        s.list2 << QStringLiteral("%1-%2 - 0:%3:30")
+                       .arg(i, 4)
+                       .arg(i, 4)
+                       .arg(i % 60, 2, 10, QChar(u'0'));
     return s;
 }
 
@@ -78,10 +89,13 @@ int main()
 
     std::printf("state file, 10,000 finishers + 500 start lines (%lld bytes):\n",
                 static_cast<long long>(QFileInfo(path).size()));
-    std::printf("  write (atomic, synced): median %.2f ms, worst %.2f ms\n", write.first, write.second);
+    std::printf("  write (atomic, synced): median %.2f ms, worst %.2f ms\n", write.first,
+                write.second);
     std::printf("  of which encoding:      median %.2f ms\n", encode.first);
-    std::printf("  read:                   median %.2f ms, worst %.2f ms\n", read.first, read.second);
-    std::printf("journal entry of a finish: median %.4f ms, worst %.4f ms\n", entry.first, entry.second);
+    std::printf("  read:                   median %.2f ms, worst %.2f ms\n", read.first,
+                read.second);
+    std::printf("journal entry of a finish: median %.4f ms, worst %.4f ms\n", entry.first,
+                entry.second);
     std::printf("journal snapshot of the whole race: median %.2f ms\n", snapshot.first);
     return 0;
 }

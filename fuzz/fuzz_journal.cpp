@@ -6,7 +6,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const auto bytes = QByteArrayView(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const auto bytes =
+        QByteArrayView(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const journal::Contents c = journal::decode(bytes);
     if (c.valid) {
         const journal::Contents again = journal::decode(journal::encodeSnapshot(c.record));

@@ -7,7 +7,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const auto bytes = QByteArrayView(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const auto bytes =
+        QByteArrayView(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const statefile::Restored first = statefile::decode(bytes);
     if (first.state.list1.size() > first.state.combo1.size())
         std::abort();

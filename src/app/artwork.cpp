@@ -6,9 +6,11 @@
 
 #include <algorithm>
 
-namespace artwork {
+namespace artwork
+{
 
-namespace {
+namespace
+{
 
 constexpr int side = 64;
 
@@ -192,7 +194,7 @@ QPixmap finishLine()
     p.drawText(QRectF(70, 60, 360, 40), Qt::AlignCenter, QStringLiteral("META"));
     // A runner, in the middle of a stride.
     p.setPen(QPen(QColor(30, 30, 30), 9, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    p.drawLine(QPointF(262, 150), QPointF(255, 196));                                 // body
+    p.drawLine(QPointF(262, 150), QPointF(255, 196));                                     // body
     p.drawPolyline(QPolygonF({QPointF(255, 196), QPointF(238, 220), QPointF(226, 242)})); // leg
     p.drawPolyline(QPolygonF({QPointF(255, 196), QPointF(276, 214), QPointF(272, 240)})); // leg
     p.drawPolyline(QPolygonF({QPointF(260, 160), QPointF(243, 178), QPointF(236, 164)})); // arm

@@ -14,7 +14,8 @@ struct FileRequest {
     QString proposedName;
 };
 
-class Dialogs {
+class Dialogs
+{
 public:
     // The answers keep the old numbering: 1 OK, 2 Cancel, 6 Yes, 7 No.
     enum Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
@@ -30,7 +31,8 @@ public:
     virtual QString openFile(QWidget* parent, const FileRequest& request) = 0;
 };
 
-class QtDialogs final : public Dialogs {
+class QtDialogs final : public Dialogs
+{
 public:
     int confirm(QWidget* parent, const QString& title, const QString& text) override;
     void warn(QWidget* parent, const QString& title, const QString& text) override;

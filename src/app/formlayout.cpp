@@ -18,7 +18,8 @@
 #include <QShortcut>
 #include <QTimer>
 
-namespace {
+namespace
+{
 
 QFont sansFont(qreal points, bool bold = false)
 {
@@ -103,8 +104,8 @@ void FormMarvolendo::buildControls()
         label(area, QStringLiteral("Label18"), QString(), sansFont(12, true), Qt::AlignCenter);
     look::place(Label18, 2760, 0, 555, 405);
     Label18->setToolTip(QStringLiteral("Cuenta atras hasta la salida seleccionada"));
-    Command6 = pictureButton(area, QStringLiteral("Command6"), artwork::exportIcon(),
-                             texts::tipOneFile);
+    Command6 =
+        pictureButton(area, QStringLiteral("Command6"), artwork::exportIcon(), texts::tipOneFile);
     look::place(Command6, 3360, 0, 480, 405);
     Command5 = pictureButton(area, QStringLiteral("Command5"), artwork::saveAndEndIcon(),
                              QStringLiteral("Guardar y salir"));
@@ -152,21 +153,29 @@ void FormMarvolendo::buildControls()
     Frame1 = make<QGroupBox>(area, QStringLiteral("Frame1"));
     Frame1->setTitle(QStringLiteral("Tiempos Parciales"));
     look::place(Frame1, 120, 2040, 4215, 1815);
-    Label9 = label(Frame1, QStringLiteral("Label9"), QStringLiteral("Tiempo del Primero"), titleFont);
+    Label9 =
+        label(Frame1, QStringLiteral("Label9"), QStringLiteral("Tiempo del Primero"), titleFont);
     look::place(Label9, 60, 255, 2010, 165);
-    Label10 = label(Frame1, QStringLiteral("Label10"), QStringLiteral("Diferencia con el Primero"), titleFont);
+    Label10 = label(Frame1, QStringLiteral("Label10"), QStringLiteral("Diferencia con el Primero"),
+                    titleFont);
     look::place(Label10, 2145, 255, 2010, 165);
-    Label4 = label(Frame1, QStringLiteral("Label4"), QStringLiteral("00:00:00:000"), timeFont, Qt::AlignCenter);
+    Label4 = label(Frame1, QStringLiteral("Label4"), QStringLiteral("00:00:00:000"), timeFont,
+                   Qt::AlignCenter);
     look::place(Label4, 60, 420, 2010, 285);
-    Label7 = label(Frame1, QStringLiteral("Label7"), QStringLiteral("0:00:00:000"), timeFont, Qt::AlignCenter);
+    Label7 = label(Frame1, QStringLiteral("Label7"), QStringLiteral("0:00:00:000"), timeFont,
+                   Qt::AlignCenter);
     look::place(Label7, 2145, 420, 2010, 285);
-    Label12 = label(Frame1, QStringLiteral("Label12"), QStringLiteral("Ultimo en llegar"), titleFont);
+    Label12 =
+        label(Frame1, QStringLiteral("Label12"), QStringLiteral("Ultimo en llegar"), titleFont);
     look::place(Label12, 60, 735, 2010, 165);
-    Label11 = label(Frame1, QStringLiteral("Label11"), QStringLiteral("Diferencia con el Primero"), titleFont);
+    Label11 = label(Frame1, QStringLiteral("Label11"), QStringLiteral("Diferencia con el Primero"),
+                    titleFont);
     look::place(Label11, 2145, 735, 2010, 165);
-    Label5 = label(Frame1, QStringLiteral("Label5"), QStringLiteral("00:00:00:000"), timeFont, Qt::AlignCenter);
+    Label5 = label(Frame1, QStringLiteral("Label5"), QStringLiteral("00:00:00:000"), timeFont,
+                   Qt::AlignCenter);
     look::place(Label5, 60, 900, 2010, 285);
-    Label8 = label(Frame1, QStringLiteral("Label8"), QStringLiteral("0:00:00:000"), timeFont, Qt::AlignCenter);
+    Label8 = label(Frame1, QStringLiteral("Label8"), QStringLiteral("0:00:00:000"), timeFont,
+                   Qt::AlignCenter);
     look::place(Label8, 2145, 900, 2010, 285);
     Label13 = label(Frame1, QStringLiteral("Label13"), QStringLiteral("Tiempos"), titleFont);
     look::place(Label13, 60, 1215, 2010, 165);
@@ -182,8 +191,8 @@ void FormMarvolendo::buildControls()
     Text1->raise();
 
     // The results list with its header, the line under correction and the correction field.
-    Label16 = label(area, QStringLiteral("Label16"), QStringLiteral(" Ord. Dor.  Tiempo      Diferen."),
-                    look::fixedFont(9));
+    Label16 = label(area, QStringLiteral("Label16"),
+                    QStringLiteral(" Ord. Dor.  Tiempo      Diferen."), look::fixedFont(9));
     look::place(Label16, 4500, 0, 4275, 240);
     List1 = make<QListWidget>(area, QStringLiteral("List1"));
     List1->setFont(look::fixedFont(9));
@@ -227,8 +236,8 @@ void FormMarvolendo::buildControls()
     // The "GUARDADO" notice of the results files.
     Frame3 = make<QGroupBox>(area, QStringLiteral("Frame3"));
     look::place(Frame3, 1200, 1080, 2115, 570);
-    Label17 = label(Frame3, QStringLiteral("Label17"), QStringLiteral("GUARDADO"), sansFont(14, true),
-                    Qt::AlignCenter);
+    Label17 = label(Frame3, QStringLiteral("Label17"), QStringLiteral("GUARDADO"),
+                    sansFont(14, true), Qt::AlignCenter);
     look::place(Label17, 30, 30, 2055, 510);
     look::setColours(Frame3, look::darkRed, Qt::white);
     Frame3->setAutoFillBackground(true);

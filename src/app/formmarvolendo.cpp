@@ -24,7 +24,8 @@
 #include <QPushButton>
 #include <QTimer>
 
-namespace {
+namespace
+{
 
 // The clock is redrawn at about the rate a screen shows; a finish takes a fresh reading of its
 // own, so the stamped time does not depend on this rate.

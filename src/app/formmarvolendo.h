@@ -12,8 +12,8 @@
 #include "app/core/journal.h"
 #include "app/core/racestate.h"
 #include "app/core/statefile.h"
-#include "entry/core/entrada.h"
 #include "app/dialogs.h"
+#include "entry/core/entrada.h"
 
 #include <QMainWindow>
 #include <QString>
@@ -33,11 +33,13 @@ class QProgressBar;
 class QPushButton;
 class QTimer;
 class AdoDataControl;
-namespace readings {
+namespace readings
+{
 class ReadingsLink;
 }
 
-class FormMarvolendo : public QMainWindow {
+class FormMarvolendo : public QMainWindow
+{
     Q_OBJECT
 
 public:

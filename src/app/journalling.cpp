@@ -10,7 +10,8 @@
 #include <QLabel>
 #include <QListWidget>
 
-namespace {
+namespace
+{
 
 QString journalPath(const QString& carpeta)
 {
@@ -37,8 +38,7 @@ void FormMarvolendo::offerRecovery()
     const journal::Contents contents = journal::read(path);
     if (!contents.valid || contents.clean)
         return;
-    const statefile::Restored saved =
-        statefile::read(carpeta + QLatin1String(statefile::fileName));
+    const statefile::Restored saved = statefile::read(carpeta + QLatin1String(statefile::fileName));
     const RaceRecord& rec = contents.record;
     if (rec.state == saved.state)
         return; // the state file already holds everything
@@ -65,9 +65,10 @@ void FormMarvolendo::offerRecovery()
         return;
     }
     // Not recovered: the old journal is kept aside, nothing is deleted.
-    const QString aside = carpeta + QStringLiteral("MARVO-%1.jrn").arg(
-                                        QDateTime::currentDateTime().toString(
-                                            QStringLiteral("yyyyMMdd-hhmmss")));
+    const QString aside =
+        carpeta +
+        QStringLiteral("MARVO-%1.jrn")
+            .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss")));
     QFile::rename(path, aside);
 }
 
@@ -104,8 +105,8 @@ void FormMarvolendo::journalCheckpoint(bool mayCorrect)
                             js.modoCaptura == modoCaptura && j.label1 == label1Now;
     const qsizetype n1 = List1->count();
     const qsizetype nc = Combo1->count();
-    const bool listsSame = n1 == js.list1.size() && nc == js.combo1.size() &&
-                           List2->count() == js.list2.size();
+    const bool listsSame =
+        n1 == js.list1.size() && nc == js.combo1.size() && List2->count() == js.list2.size();
     const bool oneMore = n1 == js.list1.size() + 1 && nc == js.combo1.size() + 1 &&
                          List2->count() == js.list2.size();
     const bool labelsSame = j.label2 == Label2->text() && j.label4 == Label4->text() &&

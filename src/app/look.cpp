@@ -11,7 +11,8 @@
 #include <QPushButton>
 #include <QWidget>
 
-namespace look {
+namespace look
+{
 
 void place(QWidget* w, int left, int top, int width, int height)
 {
@@ -63,7 +64,8 @@ QColor buttonShadow()
     return QApplication::palette().color(QPalette::Dark);
 }
 
-namespace {
+namespace
+{
 
 // Which palette roles carry the background and the text of a kind of control.
 void roles(const QWidget* w, QPalette::ColorRole* back, QPalette::ColorRole* fore)

@@ -7,7 +7,8 @@
 
 class QWidget;
 
-namespace look {
+namespace look
+{
 
 constexpr int twipsPerPixel = 15;
 inline int px(int twips)

@@ -7,15 +7,16 @@
 #include "chrono/core/timevalue.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QComboBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 
-namespace {
+namespace
+{
 
 using texts::zeroClock;
 
@@ -138,8 +139,8 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
     if (ref > 0) {
         tempsText = timevalue::tempsexaMil(running - ref);
         if (number(modoCaptura) != 1 && format >= 0)
-            Label7->setText(basic::mid(tempsText, 2,
-                                       timevalue::differenceWidth(static_cast<TimeFormat>(format))));
+            Label7->setText(basic::mid(
+                tempsText, 2, timevalue::differenceWidth(static_cast<TimeFormat>(format))));
     }
     Label1->setText(basic::left(temps, 8));
     if (format == 0)

@@ -5,7 +5,8 @@
 #include <QObject>
 #include <QString>
 
-class AdoDataControl : public QObject {
+class AdoDataControl : public QObject
+{
     Q_OBJECT
     Q_PROPERTY(QString caption MEMBER caption)
     Q_PROPERTY(QString connectionString MEMBER connectionString)

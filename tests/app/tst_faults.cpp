@@ -5,7 +5,8 @@
 #include <QLabel>
 #include <QListWidget>
 
-class FaultsTest : public QObject {
+class FaultsTest : public QObject
+{
     Q_OBJECT
 
 private slots:

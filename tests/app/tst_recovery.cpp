@@ -8,7 +8,8 @@
 #include <QPushButton>
 #include <QTimer>
 
-class RecoveryTest : public QObject {
+class RecoveryTest : public QObject
+{
     Q_OBJECT
 
 private slots:

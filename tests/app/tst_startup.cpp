@@ -9,7 +9,8 @@
 #include <QPushButton>
 #include <QTimer>
 
-class StartupTest : public QObject {
+class StartupTest : public QObject
+{
     Q_OBJECT
 
 private slots:
@@ -21,7 +22,8 @@ private slots:
     void keysAndButtonsOfTheWindow();
 };
 
-namespace {
+namespace
+{
 
 } // namespace
 

@@ -8,7 +8,8 @@
 #include <QPushButton>
 #include <QTimer>
 
-class RunControlTest : public QObject {
+class RunControlTest : public QObject
+{
     Q_OBJECT
 
 private slots:

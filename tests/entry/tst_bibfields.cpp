@@ -201,7 +201,8 @@ void TstBibFields::finishDuringCorrectionKeepsTheChosenLine()
     QCOMPARE(f.lines(QStringLiteral("List1")).size(), 4);
     QTest::keyClicks(Text2, QStringLiteral("2"));
     QTest::keyClick(Text2, Qt::Key_Return);
-    QCOMPARE(f.lines(QStringLiteral("List1")).value(1), QStringLiteral("   2-  42- 00:00:02 - 0:00:01"));
+    QCOMPARE(f.lines(QStringLiteral("List1")).value(1),
+             QStringLiteral("   2-  42- 00:00:02 - 0:00:01"));
     QVERIFY(f.lines(QStringLiteral("List1")).value(3).startsWith(QStringLiteral("   4-   0-")));
 }
 

@@ -9,7 +9,8 @@
 #include <QString>
 #include <QStringList>
 
-class FakeClock final : public Clock {
+class FakeClock final : public Clock
+{
 public:
     double seconds = 10 * 3600.0; // 10:00:00
     double timer() const override { return seconds; }
@@ -20,17 +21,18 @@ public:
     void advance(double s) { seconds += s; }
 };
 
-class ScriptedDialogs final : public Dialogs {
+class ScriptedDialogs final : public Dialogs
+{
 public:
     struct Shown {
         QString kind; // "confirm", "warn", "ask", "open"
         QString title;
         QString text;
     };
-    QList<int> answers;        // answers to confirm/ask, in order
-    QStringList files;         // answers to openFile, in order ("" cancels)
-    QList<Shown> shown;        // every dialog shown, in order
-    bool unexpected = false;   // a dialog came without a scripted answer
+    QList<int> answers;      // answers to confirm/ask, in order
+    QStringList files;       // answers to openFile, in order ("" cancels)
+    QList<Shown> shown;      // every dialog shown, in order
+    bool unexpected = false; // a dialog came without a scripted answer
     FileRequest lastRequest;
 
     int confirm(QWidget*, const QString& title, const QString& text) override

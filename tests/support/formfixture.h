@@ -17,7 +17,8 @@ class QLabel;
 class QListWidget;
 class QPushButton;
 
-class FormFixture {
+class FormFixture
+{
 public:
     // Creates the folder and points the current directory and the drives at it; the window is
     // made by open(), so that a test can first write a state file.

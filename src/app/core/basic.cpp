@@ -1,13 +1,15 @@
 #include "basic.h"
 
-#include <cmath>
 #include <cctype>
+#include <cmath>
 #include <string>
 #include <vector>
 
-namespace basic {
+namespace basic
+{
 
-namespace {
+namespace
+{
 
 bool isBlank(QChar c)
 {
@@ -37,7 +39,8 @@ qsizetype scanNumber(QStringView text, double* out)
     const auto n = compact.size();
 
     if (p + 1 < n && compact[p] == '&') {
-        const char kind = static_cast<char>(std::toupper(static_cast<unsigned char>(compact[p + 1])));
+        const char kind =
+            static_cast<char>(std::toupper(static_cast<unsigned char>(compact[p + 1])));
         const int radix = kind == 'H' ? 16 : kind == 'O' ? 8 : 0;
         if (radix != 0) {
             std::size_t q = p + 2;
@@ -80,7 +83,8 @@ qsizetype scanNumber(QStringView text, double* out)
     }
     std::string number = compact.substr(p, q - p);
     (void)mantissaStart;
-    if (q < n && (compact[q] == 'E' || compact[q] == 'e' || compact[q] == 'D' || compact[q] == 'd')) {
+    if (q < n &&
+        (compact[q] == 'E' || compact[q] == 'e' || compact[q] == 'D' || compact[q] == 'd')) {
         std::size_t r = q + 1;
         if (r < n && (compact[r] == '+' || compact[r] == '-'))
             ++r;

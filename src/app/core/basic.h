@@ -6,7 +6,8 @@
 #include <QString>
 #include <QStringView>
 
-namespace basic {
+namespace basic
+{
 
 // Leading number of a text: blanks, tabs and line feeds are ignored anywhere, then an
 // optional sign, digits, an optional point with digits and an optional exponent (E or D);

@@ -4,9 +4,11 @@
 
 #include <array>
 
-namespace cp1252 {
+namespace cp1252
+{
 
-namespace {
+namespace
+{
 
 // 0x80-0x9F; 0 marks the five unassigned codes, which map to the C1 control of the same value.
 constexpr std::array<char16_t, 32> high = {

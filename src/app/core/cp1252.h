@@ -6,7 +6,8 @@
 #include <QString>
 #include <QStringView>
 
-namespace cp1252 {
+namespace cp1252
+{
 
 QString decode(QByteArrayView bytes);
 

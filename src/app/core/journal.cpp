@@ -17,9 +17,11 @@
 #include <unistd.h>
 #endif
 
-namespace journal {
+namespace journal
+{
 
-namespace {
+namespace
+{
 
 // An entry is one line: its kind, its fields separated by tabs, and a checksum of what precedes
 // it, so that a line cut off by a crash is recognised and left out.
@@ -155,10 +157,18 @@ bool applySnapshot(const QList<QByteArrayView>& f, RaceRecord* r)
 QByteArray encodeSnapshot(const RaceRecord& r)
 {
     const RaceState& s = r.state;
-    QStringList f{exact(s.inicio),      exact(s.desfase),        s.horaSalida,
-                  s.tempsPrimer,        s.label5,                s.label8,
-                  variantText(s.formato), variantText(s.modoCaptura), r.label1,
-                  r.label2,             r.label4,                QString::number(s.combo1.size())};
+    QStringList f{exact(s.inicio),
+                  exact(s.desfase),
+                  s.horaSalida,
+                  s.tempsPrimer,
+                  s.label5,
+                  s.label8,
+                  variantText(s.formato),
+                  variantText(s.modoCaptura),
+                  r.label1,
+                  r.label2,
+                  r.label4,
+                  QString::number(s.combo1.size())};
     f.reserve(f.size() + 2 * s.combo1.size() + s.list2.size() + 1);
     for (qsizetype i = 0; i < s.combo1.size(); ++i)
         f << s.combo1[i] << s.list1.value(i);

@@ -35,7 +35,8 @@ struct FinishEntry {
     QString label8;
 };
 
-namespace journal {
+namespace journal
+{
 
 inline constexpr char fileName[] = "MARVO.jrn";
 
@@ -47,10 +48,10 @@ QByteArray encodeClean();
 // What a journal holds. An entry cut off by a crash, or damaged, ends the reading: everything
 // before it is kept.
 struct Contents {
-    bool valid = false;   // it began with a snapshot
-    bool clean = false;   // its last entry is the clean mark
-    int changes = 0;      // entries after the first snapshot
-    RaceRecord record;    // the race as the last entry left it
+    bool valid = false; // it began with a snapshot
+    bool clean = false; // its last entry is the clean mark
+    int changes = 0;    // entries after the first snapshot
+    RaceRecord record;  // the race as the last entry left it
 };
 Contents decode(QByteArrayView bytes);
 Contents read(const QString& path);
@@ -59,7 +60,8 @@ Contents read(const QString& path);
 
 // The open journal. Every append is handed to the system before it returns (a killed program
 // loses nothing); a background thread makes the data durable within half a second.
-class Journal {
+class Journal
+{
 public:
     Journal();
     ~Journal();

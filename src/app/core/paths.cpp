@@ -2,7 +2,8 @@
 
 #include <QDir>
 
-namespace paths {
+namespace paths
+{
 
 QString driveRoot(QChar drive)
 {

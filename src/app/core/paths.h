@@ -7,7 +7,8 @@
 
 #include <QString>
 
-namespace paths {
+namespace paths
+{
 
 QString local(const QString& windowsPath);
 

@@ -9,9 +9,11 @@
 #include <unistd.h>
 #endif
 
-namespace savefile {
+namespace savefile
+{
 
-namespace {
+namespace
+{
 
 void syncFolder(const QString& path)
 {
@@ -56,10 +58,10 @@ QString write(const QString& path, const QByteArray& bytes)
     // report success over the truncated file).
     const qint64 written = file.write(bytes);
     if (written != bytes.size() || !file.flush()) {
-        const QString why = written >= 0 && written < bytes.size() &&
-                                    file.error() == QFileDevice::NoError
-                                ? QStringLiteral("el disco esta lleno")
-                                : reason(file, path);
+        const QString why =
+            written >= 0 && written < bytes.size() && file.error() == QFileDevice::NoError
+                ? QStringLiteral("el disco esta lleno")
+                : reason(file, path);
         file.cancelWriting();
         return why;
     }

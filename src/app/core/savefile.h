@@ -5,7 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
-namespace savefile {
+namespace savefile
+{
 
 // Writes bytes to path, checking every write and the flush (a full disk must not pass as a
 // success), and syncs the folder after the rename where the system allows it. Returns an

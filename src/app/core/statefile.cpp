@@ -8,13 +8,16 @@
 
 #include <cmath>
 
-namespace statefile {
+namespace statefile
+{
 
-namespace {
+namespace
+{
 
 // Walks the lines of the file: CR LF, a lone CR or a lone LF ends a line; a last line without
 // an end is still a line.
-class LineReader {
+class LineReader
+{
 public:
     explicit LineReader(QByteArrayView bytes) : m_bytes(bytes) {}
 

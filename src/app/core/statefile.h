@@ -16,7 +16,8 @@
 #include <QByteArray>
 #include <QString>
 
-namespace statefile {
+namespace statefile
+{
 
 inline constexpr char fileName[] = "MARVO.dat";
 inline constexpr char fallbackPath[] = "d:\\MARVO.dat";

@@ -3,7 +3,8 @@
 
 #include <QTime>
 
-class Clock {
+class Clock
+{
 public:
     virtual ~Clock() = default;
     // Seconds since local midnight, with millisecond resolution at least. Taken from the wall
@@ -13,7 +14,8 @@ public:
     virtual QTime timeOfDay() const = 0;
 };
 
-class SystemClock final : public Clock {
+class SystemClock final : public Clock
+{
 public:
     double timer() const override;
     QTime timeOfDay() const override;

@@ -4,9 +4,11 @@
 
 #include <cmath>
 
-namespace timevalue {
+namespace timevalue
+{
 
-namespace {
+namespace
+{
 
 // The digits of a field with "00" (or "000") in front, the last two (or three) kept.
 QString lastDigits(double field, qsizetype width)

@@ -8,7 +8,8 @@
 // Index of the checked entry of the time-format menu.
 enum class TimeFormat { Segundos = 0, Centesimas = 1, Milesimas = 2 };
 
-namespace timevalue {
+namespace timevalue
+{
 
 // Hours to hh:mm:ss:mmm. Hours, minutes and seconds are truncated, only the thousandths are
 // rounded (half to even); carries run after each step so no field ever holds 60 or 1000.

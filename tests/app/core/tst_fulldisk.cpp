@@ -10,7 +10,8 @@
 
 #include <unistd.h>
 
-class FullDiskTest : public QObject {
+class FullDiskTest : public QObject
+{
     Q_OBJECT
 
 private slots:
@@ -25,7 +26,8 @@ private:
     bool mounted = false;
 };
 
-namespace {
+namespace
+{
 
 RaceState raceOf(int finishers)
 {
@@ -47,10 +49,10 @@ void FullDiskTest::initTestCase()
     QDir().mkpath(disk);
     if (::geteuid() != 0)
         QSKIP("a full disk needs a tmpfs mount, which needs root");
-    const int rc = QProcess::execute(QStringLiteral("mount"),
-                                     {QStringLiteral("-t"), QStringLiteral("tmpfs"),
-                                      QStringLiteral("-o"), QStringLiteral("size=128k"),
-                                      QStringLiteral("tmpfs"), disk});
+    const int rc =
+        QProcess::execute(QStringLiteral("mount"),
+                          {QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
+                           QStringLiteral("size=128k"), QStringLiteral("tmpfs"), disk});
     if (rc != 0)
         QSKIP("mounting a small tmpfs is not allowed here");
     mounted = true;

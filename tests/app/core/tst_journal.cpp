@@ -4,7 +4,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-class JournalTest : public QObject {
+class JournalTest : public QObject
+{
     Q_OBJECT
 
 private slots:
@@ -16,7 +17,8 @@ private slots:
     void writerReportsAnUnwritablePath();
 };
 
-namespace {
+namespace
+{
 
 RaceRecord startRecord()
 {
@@ -65,7 +67,8 @@ void JournalTest::replaysEveryKindOfEntry()
     QCOMPARE(s.formato, Variant(0.0));
     QVERIFY(!s.modoCaptura.has_value());
     QCOMPARE(c.record.label2, QStringLiteral("3"));
-    QCOMPARE(s.list1, (QStringList{"   1-   0- 00:01:00 - 0:00:00", "   2-  57- 00:02:00 - 0:00:00"}));
+    QCOMPARE(s.list1,
+             (QStringList{"   1-   0- 00:01:00 - 0:00:00", "   2-  57- 00:02:00 - 0:00:00"}));
     QCOMPARE(s.combo1.size(), 2);
     QCOMPARE(s.label5, QStringLiteral("00:03:00"));
     QCOMPARE(s.list2, startRecord().state.list2);
@@ -92,7 +95,8 @@ void JournalTest::cutAnywhereKeepsWhatPrecedes()
     }
     for (qsizetype cut = 0; cut <= all.size(); ++cut) {
         const journal::Contents c = journal::decode(QByteArrayView(all).first(cut));
-        const qsizetype whole = std::count_if(ends.begin(), ends.end(), [&](qsizetype e) { return e <= cut; });
+        const qsizetype whole =
+            std::count_if(ends.begin(), ends.end(), [&](qsizetype e) { return e <= cut; });
         QCOMPARE(c.valid, whole >= 1);
         if (whole >= 1)
             QCOMPARE(c.record.state.list1.size(), whole - 1);

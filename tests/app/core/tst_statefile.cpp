@@ -7,7 +7,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-class StateFileTest : public QObject {
+class StateFileTest : public QObject
+{
     Q_OBJECT
 
 private slots:
@@ -24,7 +25,8 @@ private slots:
     void driveMapping();
 };
 
-namespace {
+namespace
+{
 
 RaceState sampleRace()
 {
@@ -99,14 +101,16 @@ void StateFileTest::fieldsAndWholeLines_data()
     QTest::addColumn<QByteArray>("line3");
     QTest::addColumn<QString>("tempsPrimer");
     QTest::addColumn<QString>("horaSalida");
-    QTest::newRow("comma cuts a field") << QByteArray("00:00,05") << QByteArray("10:30")
-                                        << "00:00" << "10:30";
-    QTest::newRow("quotes are removed") << QByteArray("  \"00:01:02\"") << QByteArray("9")
-                                        << "00:01:02" << "9    ";
+    QTest::newRow("comma cuts a field") << QByteArray("00:00,05") << QByteArray("10:30") << "00:00"
+                                        << "10:30";
+    QTest::newRow("quotes are removed")
+        << QByteArray("  \"00:01:02\"") << QByteArray("9") << "00:01:02"
+        << "9    ";
     QTest::newRow("leading blanks skipped, hora cut to 5")
-        << QByteArray("   00:00:09") << QByteArray("10:30:45") << "00:00:09" << "10:30";
-    QTest::newRow("whole line keeps its comma") << QByteArray("x") << QByteArray("1,2,3")
-                                                << "x" << "1,2,3";
+        << QByteArray("   00:00:09") << QByteArray("10:30:45") << "00:00:09"
+        << "10:30";
+    QTest::newRow("whole line keeps its comma") << QByteArray("x") << QByteArray("1,2,3") << "x"
+                                                << "1,2,3";
 }
 
 void StateFileTest::fieldsAndWholeLines()
@@ -238,7 +242,8 @@ void StateFileTest::driveMapping()
     QCOMPARE(paths::local(QStringLiteral("C:\\Carreras\\copias\\a.txt")),
              dir.path() + QStringLiteral("/Carreras/copias/a.txt"));
     QCOMPARE(paths::local(QStringLiteral("c:\\cri.ent")), dir.path() + QStringLiteral("/cri.ent"));
-    QCOMPARE(paths::local(QStringLiteral("Program Files\\x.mdb")), QStringLiteral("Program Files/x.mdb"));
+    QCOMPARE(paths::local(QStringLiteral("Program Files\\x.mdb")),
+             QStringLiteral("Program Files/x.mdb"));
     qunsetenv("MARVOLENDO_DRIVE_Q");
     QCOMPARE(paths::local(QStringLiteral("q:\\x")), QDir::homePath() + QStringLiteral("/x"));
 }

@@ -3,7 +3,8 @@
 
 #include <QtTest>
 
-class TimeValueTest : public QObject {
+class TimeValueTest : public QObject
+{
     Q_OBJECT
 
 private slots:
@@ -18,7 +19,8 @@ private slots:
     void numberForms();
 };
 
-namespace {
+namespace
+{
 double hours(double h, double m, double s)
 {
     return h + (m + s / 60.0) / 60.0;
@@ -67,7 +69,8 @@ void TimeValueTest::decimalMil_data()
     QTest::newRow("below zero") << "-1:59:00" << -60.0;
     QTest::newRow("empty") << "" << 0.0;
     QTest::newRow("garbage") << "ab:cd:ef:ghi" << 0.0;
-    QTest::newRow("short text reads the hour and its last digit twice") << "5" << 5 * 3600.0 + 0.005;
+    QTest::newRow("short text reads the hour and its last digit twice")
+        << "5" << 5 * 3600.0 + 0.005;
 }
 
 void TimeValueTest::decimalMil()
