@@ -2,47 +2,35 @@
 // the bib of the line chosen in List1. Bad input must never crash nor touch a line it cannot
 // place.
 #include "app/core/statefile.h"
-#include "app/look.h"
-#include "entry/core/entrada.h"
 #include "support/formfixture.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPushButton>
 
 namespace
 {
 
-// A stopped race in whole seconds with the given results lines, in the bibs-and-times mode.
+// A race in whole seconds, capturing bibs and times, with the given results lines.
 void openWithLines(FormFixture& f, const QStringList& lines)
 {
     RaceState s;
     s.formato = 0.0;
     s.modoCaptura = 1.0;
-    s.list1 = lines;
-    for (const QString& line : lines)
-        s.combo1 << line.left(5) + line.mid(9);
+    s.list1 = s.combo1 = lines; // Combo1 is neither read nor changed by the bib fields
+    s.list2 = QStringList{"   1  41 Lopez Garcia, Ana      10:01:00"};
     f.writeFile(QLatin1String(statefile::fileName), statefile::encode(s));
     f.open();
-    for (const char* name : {"Text1", "List1", "Text2", "Label14"})
-        f.child<QWidget>(QLatin1String(name))->setVisible(true);
 }
 
-// Click and double-click a line of List1, or the empty list's top corner when row is -1.
+// Click and double-click a line of List1, or the list's top corner when there is no such line.
 void chooseLine(FormFixture& f, int row)
 {
-    QListWidget* list = f.list(QStringLiteral("List1"));
-    const QPoint at = row < 0 ? QPoint(4, 4) : list->visualItemRect(list->item(row)).center();
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
-}
-
-QLineEdit* field(FormFixture& f, const char* name)
-{
-    return f.child<QLineEdit>(QLatin1String(name));
+    QListWidget* list = f.list("List1");
+    const QRect r = list->item(row) ? list->visualItemRect(list->item(row)) : QRect(0, 0, 8, 8);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, r.center());
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, r.center());
 }
 
 const QString line1 = QStringLiteral("   1-   5- 00:00:01 - 0:00:00");
@@ -56,136 +44,76 @@ class TstBibFields : public QObject
     Q_OBJECT
 
 private slots:
-    void correction_data();
-    void correction();
-    void correctionOutOfPlace_data();
-    void correctionOutOfPlace();
-    void correctionAboveMaximum();
+    void typing_data();
+    void typing();
     void finishDuringCorrectionKeepsTheChosenLine();
-    void correctionEnterWhenEmpty();
-    void finishBibs_data();
-    void finishBibs();
-    void finishByDoubleClick();
-    void focusColours();
-    void startOrderBib_data();
-    void startOrderBib();
 };
 
-void TstBibFields::correction_data()
+// Keys typed into a bib field of a running race, then Enter ("\n") or else a double-click on the
+// field. Row -1: Text1 records a finish (-2: after a click on the List2 line that puts its bib
+// there); otherwise Text2 corrects that line of List1.
+void TstBibFields::typing_data()
 {
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<int>("row");
     QTest::addColumn<QString>("typed");
-    QTest::addColumn<bool>("byDoubleClick");
-    QTest::addColumn<QString>("corrected");
-
+    QTest::addColumn<QStringList>("after"); // List1 afterwards; empty: as it was
+    QTest::addColumn<QString>("notice");    // the notice or message shown, if any
+    const auto row = [](const char* name, const QStringList& lines, int line, const char* typed,
+                        const QStringList& after, const QString& notice = {}) {
+        QTest::newRow(name) << lines << line << QString(typed) << after << notice;
+    };
     const QStringList three{line1, line2, line3};
-    QTest::newRow("bib in place") << three << 2 << "57" << false << "   3-  57- 00:12:34 - 0:00:05";
-    QTest::newRow("one digit") << three << 0 << "7" << false << "   1-   7- 00:00:01 - 0:00:00";
-    QTest::newRow("negative bib") << three << 1 << "-3" << false << "   2-  -3- 00:00:02 - 0:00:01";
-    QTest::newRow("double-click is Enter")
-        << three << 1 << "44" << true << "   2-  44- 00:00:02 - 0:00:01";
-    QTest::newRow("bibs-only line")
-        << QStringList{"   1-   0", "   2-   9"} << 0 << "57" << false << "   1-  57";
+    const QString notThere = "No se puede corregir: la linea %1 no esta en la lista";
+    const QString noLine = "No se puede corregir: no hay ninguna linea de la lista elegida";
+
+    row("finish, empty field", {}, -1, "\n", {"   1-   0- 00:00:30 - 0:00:00"});
+    // Letters and a second point swallowed, a minus passes, the field takes 4 characters.
+    row("finish, filtered", {}, -1, "a-1..59\n", {"   1--1.5- 00:00:30 - 0:00:00"});
+    row("finish, picked from List2", {}, -2, "\n", {"   1-  41- 00:00:30 - 0:00:00"});
+    row("finish by double-click", {}, -1, "9", {"   1-   9- 00:00:30 - 0:00:00"});
+    row("correct by double-click", three, 2, "7", {line1, line2, "   3-   7- 00:12:34 - 0:00:05"});
+    row("nothing typed", three, 0, "", {});
+    // Bad input: the list unchanged, the typed bib kept, a notice.
+    row("rank 0", {line1, "   0-   6"}, 1, "7\n", {}, notThere.arg("0"));
+    row("rank beyond the list", {line1, "  99-   6"}, 1, "7\n", {}, notThere.arg("99"));
+    row("rank not a number", {line1, "abcd-   6"}, 1, "7\n", {}, notThere.arg("abcd"));
+    row("empty Label14", {line1, ""}, 1, "7\n", {}, noLine);
+    row("five-digit bib", three, 1, "12345\n", {}, "El valor no puede ser mayor que  9999");
+    row("double-click on an empty list", {}, 0, "7\n", {}, noLine);
 }
 
-void TstBibFields::correction()
+void TstBibFields::typing()
 {
     QFETCH(QStringList, lines);
     QFETCH(int, row);
     QFETCH(QString, typed);
-    QFETCH(bool, byDoubleClick);
-    QFETCH(QString, corrected);
-
-    FormFixture f;
-    openWithLines(f, lines);
-    const QStringList combo = f.comboLines();
-    QLineEdit* Text2 = field(f, "Text2");
-    chooseLine(f, row);
-    QCOMPARE(QApplication::focusWidget(), Text2);
-    QTest::keyClicks(Text2, typed);
-    if (byDoubleClick)
-        QTest::mouseDClick(Text2, Qt::LeftButton);
-    else
-        QTest::keyClick(Text2, Qt::Key_Return);
-
-    QStringList expected = lines;
-    expected[row] = corrected;
-    QCOMPARE(f.lines(QStringLiteral("List1")), expected);
-    QCOMPARE(f.comboLines(), combo); // Combo1 carries no bib
-    QCOMPARE(Text2->text(), QString());
-    QCOMPARE(f.label(QStringLiteral("Label14"))->text(), QString());
-    QVERIFY(f.label(QStringLiteral("aviso"))->isHidden());
-}
-
-void TstBibFields::correctionOutOfPlace_data()
-{
-    QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<QString>("notice");
-
-    QTest::newRow("rank 0") << QStringList{line1, "   0-   6- 00:00:02 - 0:00:01"} << 1
-                            << "No se puede corregir: la linea 0 no esta en la lista";
-    QTest::newRow("rank past the list") << QStringList{line1, "  99-   6- 00:00:02 - 0:00:01"} << 1
-                                        << "No se puede corregir: la linea 99 no esta en la lista";
-    QTest::newRow("rank not a number") << QStringList{line1, "abcd-   6- 00:00:02 - 0:00:01"} << 1
-                                       << "No se puede corregir: la linea abcd no esta en la lista";
-    QTest::newRow("rank 10000 printed as 0000")
-        << QStringList{line1, "0000-   6- 00:00:02 - 0:00:01"} << 1
-        << "No se puede corregir: la linea 0000 no esta en la lista";
-    QTest::newRow("line too short")
-        << QStringList{line1, "   2-"} << 1
-        << "No se puede corregir: no hay ninguna linea de la lista elegida";
-    QTest::newRow("empty list") << QStringList{} << -1
-                                << "No se puede corregir: no hay ninguna linea de la lista elegida";
-}
-
-void TstBibFields::correctionOutOfPlace()
-{
-    QFETCH(QStringList, lines);
-    QFETCH(int, row);
+    QFETCH(QStringList, after);
     QFETCH(QString, notice);
 
     FormFixture f;
     openWithLines(f, lines);
-    QLineEdit* Text2 = field(f, "Text2");
-    QLabel* Label14 = f.label(QStringLiteral("Label14"));
-    chooseLine(f, row);
-    QVERIFY(Text2->isEnabled());
-    const QString chosen = Label14->text();
-    f.type(QStringLiteral("Text2"), QStringLiteral("7\n"));
+    const QStringList labels{f.label("Label4")->text(), f.label("Label5")->text()};
+    f.click("Command1(0)");
+    f.tick(30);
+    auto* edit = f.child<QLineEdit>(row < 0 ? "Text1" : "Text2");
+    if (row >= 0)
+        chooseLine(f, row);
+    QCOMPARE(QApplication::focusWidget(), edit);
+    if (row == -2) // the first line of List2 lies in its top corner
+        QTest::mouseClick(f.list("List2")->viewport(), Qt::LeftButton, {}, QPoint(4, 4));
+    f.type(edit->objectName(), typed);
+    if (!typed.endsWith(u'\n'))
+        QTest::mouseDClick(edit, Qt::LeftButton);
 
-    QCOMPARE(f.lines(QStringLiteral("List1")), lines);
-    QLabel* aviso = f.label(QStringLiteral("aviso"));
-    QVERIFY(!aviso->isHidden());
-    QCOMPARE(aviso->text(), notice);
-    // The operator can see what was typed and for which line.
-    QCOMPARE(Text2->text(), QStringLiteral("7"));
-    QCOMPARE(Label14->text(), chosen);
-    QVERIFY(f.dialogs.shown.isEmpty());
-}
-
-void TstBibFields::correctionAboveMaximum()
-{
-    FormFixture f;
-    openWithLines(f, {line1, line2});
-    QLineEdit* Text2 = field(f, "Text2");
-    chooseLine(f, 1);
-    f.type(QStringLiteral("Text2"), QStringLiteral("12345\n"));
-
-    // The range message, and the Enter is not taken: the line stays as it was.
-    QCOMPARE(f.dialogs.shown.size(), 1);
-    QCOMPARE(f.dialogs.shown[0].kind, QStringLiteral("warn"));
-    QCOMPARE(f.dialogs.shown[0].title, rangeMessageTitle(RangeMessage::AboveMax));
-    QCOMPARE(f.dialogs.shown[0].text, rangeMessageText(RangeMessage::AboveMax, 9999));
-    QCOMPARE(f.lines(QStringLiteral("List1")), (QStringList{line1, line2}));
-    QCOMPARE(Text2->text(), QStringLiteral("12345"));
-
-    // Mended, the same Enter writes the bib.
-    f.type(QStringLiteral("Text2"), QStringLiteral("\b\n"));
-    QCOMPARE(f.lines(QStringLiteral("List1")),
-             (QStringList{line1, "   2-1234- 00:00:02 - 0:00:01"}));
-    QCOMPARE(f.dialogs.shown.size(), 1);
+    QCOMPARE(f.lines("List1"), after.isEmpty() ? lines : after);
+    QString shown = f.label("aviso")->isHidden() ? QString() : f.label("aviso")->text();
+    for (const ScriptedDialogs::Shown& dialog : f.dialogs.shown)
+        shown += dialog.text;
+    QCOMPARE(shown, notice);
+    QCOMPARE(edit->text(), after.isEmpty() ? QString(typed).remove(u'\n') : QString());
+    // Capturing bibs and times, a finish leaves the time labels alone.
+    QCOMPARE((QStringList{f.label("Label4")->text(), f.label("Label5")->text()}), labels);
 }
 
 void TstBibFields::finishDuringCorrectionKeepsTheChosenLine()
@@ -195,7 +123,7 @@ void TstBibFields::finishDuringCorrectionKeepsTheChosenLine()
     FormFixture f;
     openWithLines(f, {line1, line2, line3});
     chooseLine(f, 1);
-    QLineEdit* Text2 = field(f, "Text2");
+    QLineEdit* Text2 = f.child<QLineEdit>(QStringLiteral("Text2"));
     QTest::keyClicks(Text2, QStringLiteral("4"));
     f.pressF(1);
     QCOMPARE(f.lines(QStringLiteral("List1")).size(), 4);
@@ -204,134 +132,6 @@ void TstBibFields::finishDuringCorrectionKeepsTheChosenLine()
     QCOMPARE(f.lines(QStringLiteral("List1")).value(1),
              QStringLiteral("   2-  42- 00:00:02 - 0:00:01"));
     QVERIFY(f.lines(QStringLiteral("List1")).value(3).startsWith(QStringLiteral("   4-   0-")));
-}
-
-void TstBibFields::correctionEnterWhenEmpty()
-{
-    FormFixture f;
-    openWithLines(f, {line1});
-    chooseLine(f, 0);
-    f.type(QStringLiteral("Text2"), QStringLiteral("\n"));
-    QTest::mouseDClick(field(f, "Text2"), Qt::LeftButton);
-    QCOMPARE(f.lines(QStringLiteral("List1")), QStringList{line1});
-    QCOMPARE(f.label(QStringLiteral("Label14"))->text(), line1);
-    QVERIFY(f.label(QStringLiteral("aviso"))->isHidden());
-    QVERIFY(f.dialogs.shown.isEmpty());
-}
-
-void TstBibFields::finishBibs_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("bib");
-
-    QTest::newRow("empty field") << ""
-                                 << "   0";
-    QTest::newRow("bib") << "57"
-                         << "  57";
-    QTest::newRow("negative passes") << "-12"
-                                     << " -12";
-    QTest::newRow("minus after a digit") << "5-"
-                                         << "   5";
-    QTest::newRow("lone point") << "."
-                                << "   0";
-    QTest::newRow("decimal") << "1.5"
-                             << " 1.5";
-    QTest::newRow("second point swallowed") << "1..5"
-                                            << " 1.5";
-    QTest::newRow("letters swallowed") << "a7b"
-                                       << "   7";
-    QTest::newRow("five digits cut by the field") << "12345"
-                                                  << "1234";
-    QTest::newRow("backspace") << "58\b7"
-                               << "  57";
-}
-
-void TstBibFields::finishBibs()
-{
-    QFETCH(QString, typed);
-    QFETCH(QString, bib);
-
-    FormFixture f;
-    openWithLines(f, {});
-    f.click(QStringLiteral("Command1(0)"));
-    QCOMPARE(QApplication::focusWidget(), field(f, "Text1"));
-    f.tick(30);
-    f.type(QStringLiteral("Text1"), typed + u'\n');
-
-    QCOMPARE(f.lines(QStringLiteral("List1")), QStringList{"   1-" + bib + "- 00:00:30 - 0:00:00"});
-    QCOMPARE(field(f, "Text1")->text(), QString());
-    QVERIFY(f.dialogs.shown.isEmpty());
-}
-
-void TstBibFields::finishByDoubleClick()
-{
-    FormFixture f;
-    openWithLines(f, {});
-    f.click(QStringLiteral("Command1(0)"));
-    f.tick(2);
-    f.type(QStringLiteral("Text1"), QStringLiteral("9"));
-    QTest::mouseDClick(field(f, "Text1"), Qt::LeftButton);
-    QCOMPARE(f.lines(QStringLiteral("List1")), QStringList{"   1-   9- 00:00:02 - 0:00:00"});
-    QCOMPARE(field(f, "Text1")->text(), QString());
-}
-
-void TstBibFields::focusColours()
-{
-    FormFixture f;
-    openWithLines(f, {line1});
-    f.click(QStringLiteral("Command1(0)"));
-    QLineEdit* Text1 = field(f, "Text1");
-    QLineEdit* Text2 = field(f, "Text2");
-
-    // Focus by Tab would select the whole text: the caret goes after the last character.
-    Text1->setText(QStringLiteral("12"));
-    f.button(QStringLiteral("Command1(1)"))->setFocus();
-    Text1->setFocus(Qt::TabFocusReason);
-    QApplication::processEvents();
-    QCOMPARE(look::back(Text1), look::navy);
-    QCOMPARE(look::fore(Text1), look::windowBackground());
-    QVERIFY(!Text1->hasSelectedText());
-    QCOMPARE(Text1->cursorPosition(), 2);
-    QTest::keyClicks(Text1, QStringLiteral("3"));
-    QCOMPARE(Text1->text(), QStringLiteral("123"));
-
-    chooseLine(f, 0);
-    QCOMPARE(look::back(Text1), look::olive);
-    QCOMPARE(look::fore(Text1), look::buttonText());
-    QCOMPARE(look::back(Text2), look::navy);
-
-    // Leaving Text2 ends the correction.
-    Text1->setFocus();
-    QCOMPARE(look::back(Text2), look::lightYellow);
-    QCOMPARE(look::fore(Text2), look::windowText());
-    QVERIFY(!Text2->isEnabled());
-}
-
-void TstBibFields::startOrderBib_data()
-{
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("bib");
-
-    QTest::newRow("bib") << "   1  41 Lopez Garcia, Ana      10:01:00"
-                         << "41";
-    QTest::newRow("blank bib") << "   2     Sin dorsal            10:02:00"
-                               << "0";
-    QTest::newRow("short line") << "   3"
-                                << "0";
-}
-
-void TstBibFields::startOrderBib()
-{
-    QFETCH(QString, line);
-    QFETCH(QString, bib);
-
-    FormFixture f;
-    openWithLines(f, {});
-    QListWidget* List2 = f.list(QStringLiteral("List2"));
-    List2->addItem(line);
-    QTest::mouseClick(List2->viewport(), Qt::LeftButton, {},
-                      List2->visualItemRect(List2->item(0)).center());
-    QCOMPARE(field(f, "Text1")->text(), bib);
 }
 
 QTEST_MAIN(TstBibFields)
