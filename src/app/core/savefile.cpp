@@ -15,20 +15,6 @@ namespace savefile
 namespace
 {
 
-void syncFolder(const QString& path)
-{
-#ifdef Q_OS_UNIX
-    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
-    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-#else
-    Q_UNUSED(path);
-#endif
-}
-
 // The system's reason, in the operator's language where it is a common one.
 QString reason(const QFileDevice& file, const QString& path)
 {
@@ -47,7 +33,21 @@ QString reason(const QFileDevice& file, const QString& path)
 
 } // namespace
 
-QString write(const QString& path, const QByteArray& bytes)
+void syncFolder(const QString& path)
+{
+#ifdef Q_OS_UNIX
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+#else
+    Q_UNUSED(path);
+#endif
+}
+
+QString write(const QString& path, const QByteArray& bytes, FolderSync sync)
 {
     if (QFileInfo(path).isDir())
         return QStringLiteral("%1 es una carpeta").arg(path);
@@ -67,7 +67,8 @@ QString write(const QString& path, const QByteArray& bytes)
     }
     if (!file.commit())
         return reason(file, path);
-    syncFolder(path);
+    if (sync == FolderSync::Now)
+        syncFolder(path);
     return {};
 }
 

@@ -6,7 +6,10 @@
 #include "app/core/savefile.h"
 
 #include <QDir>
+
 #include <QFileInfo>
+#include <future>
+#include <vector>
 
 namespace exports
 {
@@ -90,17 +93,31 @@ File startTimesFile(const Source& source)
 
 WriteResult write(const QList<File>& files)
 {
+    // Each file is made durable on its own (a sync of a few milliseconds each): the files are
+    // written side by side so that the syncs overlap, and the folder's renames are made
+    // durable once, after the last file. A failure is reported for the first file in order.
+    std::vector<std::future<QString>> reasons;
+    reasons.reserve(static_cast<std::size_t>(files.size()));
     for (const File& file : files) {
         const QString path = paths::local(file.windowsPath);
-        const QString reason = savefile::write(path, file.contents);
-        if (!reason.isEmpty()) {
+        reasons.push_back(std::async(std::launch::async, [path, bytes = file.contents] {
+            return savefile::write(path, bytes, savefile::FolderSync::Later);
+        }));
+    }
+    WriteResult result;
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        const QString reason = reasons[static_cast<std::size_t>(i)].get();
+        if (!reason.isEmpty() && result.message.isEmpty()) {
+            const QString path = paths::local(files[i].windowsPath);
             const QString where = QDir::toNativeSeparators(QFileInfo(path).absolutePath());
-            return {file.windowsPath,
-                    QStringLiteral("No se pudieron guardar los resultados en %1: %2")
-                        .arg(where, reason)};
+            result = {files[i].windowsPath,
+                      QStringLiteral("No se pudieron guardar los resultados en %1: %2")
+                          .arg(where, reason)};
         }
     }
-    return {};
+    if (!files.isEmpty())
+        savefile::syncFolder(paths::local(files.constLast().windowsPath));
+    return result;
 }
 
 WriteResult exportResults(const Source& source)

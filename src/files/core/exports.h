@@ -65,8 +65,8 @@ struct WriteResult {
     bool ok() const { return message.isEmpty(); }
 };
 
-// Writes the files in order, each replaced whole; stops at the first that cannot be written
-// (the ones before it are written).
+// Writes the files, each replaced whole; a file that cannot be written keeps its previous
+// contents and does not hold back the others. The result names the first such file in order.
 WriteResult write(const QList<File>& files);
 
 // resultsFiles and startTimesFile, written.
