@@ -17,7 +17,6 @@ private slots:
     void declinedRecoveryKeepsTheJournalAside();
     void normalEndAsksNothing();
     void stoppedClockComesBackStopped();
-    void cutOffLastEntryRecoversWhatPrecedes();
     void unwritableJournalIsReported();
 
 private:
@@ -154,20 +153,6 @@ void RecoveryTest::stoppedClockComesBackStopped()
     f.click("Command1(0)");
     f.tick(1);
     QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:02:06"));
-}
-
-void RecoveryTest::cutOffLastEntryRecoversWhatPrecedes()
-{
-    FormFixture f;
-    Snapshot before;
-    raceAndCrash(f, &before);
-    QByteArray bytes = f.readFile("MARVO.jrn");
-    bytes.chop(7); // the correction was being written when the power went
-    f.writeFile("MARVO.jrn", bytes);
-    f.dialogs.answers = {Dialogs::Yes};
-    f.open();
-    QCOMPARE(f.lines("List1").size(), 5);
-    QVERIFY(f.lines("List1").value(2).startsWith(QStringLiteral("   3-   0-")));
 }
 
 void RecoveryTest::unwritableJournalIsReported()

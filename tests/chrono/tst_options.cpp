@@ -20,6 +20,7 @@ private slots:
     void cancelledFormatThenNextClickOnlyMovesTheMark();
     void bibsOnlyAndBackWithCancelFirst();
     void restartInBibsOnly();
+    void bibsAndTimesFromTheMenu();
 };
 
 static const QString clearTitle = QStringLiteral("Borrado de tiempos");
@@ -179,6 +180,25 @@ void OptionsTest::restartInBibsOnly()
     f.trigger("opp4");
     QVERIFY(f.action("opp22")->isEnabled() && f.action("opp22")->isChecked());
     QVERIFY(f.lines("List1").isEmpty());
+}
+
+void OptionsTest::bibsAndTimesFromTheMenu()
+{
+    // The compact toggle inside the handler restores the "Lap" mode once more, so the entry ends
+    // up unchecked while the bibs-and-times layout is in place: as the window has always done.
+    FormFixture f;
+    FormMarvolendo& w = f.open();
+    f.trigger("opp2");
+    QVERIFY(f.dialogs.shown.isEmpty()); // the clock at zero: no question
+    QCOMPARE(w.width(), look::px(13440));
+    QVERIFY(!f.child<QWidget>("Text1")->isHidden() && f.button("Command3")->isHidden());
+    QVERIFY(!f.list("List1")->isHidden() && f.child<QWidget>("Combo1")->isHidden());
+    QVERIFY(!f.child<QWidget>("Image1")->isHidden());
+    QVERIFY(f.button("Command6")->toolTip().contains(QStringLiteral("Crea tres ficheros")));
+    QVERIFY(!f.action("opp2")->isChecked());
+    // The mode is what the next save keeps.
+    f.click("Command1(0)");
+    QCOMPARE(f.readFile("MARVO.dat").split('\n').value(7), QByteArray(" 1 \r"));
 }
 
 QTEST_MAIN(OptionsTest)
