@@ -34,11 +34,6 @@ void setWidth(QWidget* w, int width)
     w->resize(px(width), w->height());
 }
 
-void setHeight(QWidget* w, int height)
-{
-    w->resize(w->width(), px(height));
-}
-
 int width(const QWidget* w)
 {
     return twips(w->width());
@@ -123,14 +118,6 @@ QColor back(const QWidget* w)
     QPalette::ColorRole f = QPalette::WindowText;
     roles(w, &b, &f);
     return w->palette().color(b);
-}
-
-QColor fore(const QWidget* w)
-{
-    QPalette::ColorRole b = QPalette::Window;
-    QPalette::ColorRole f = QPalette::WindowText;
-    roles(w, &b, &f);
-    return w->palette().color(f);
 }
 
 QFont fixedFont(qreal pointSize)

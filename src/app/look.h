@@ -24,7 +24,6 @@ void place(QWidget* w, int left, int top, int width, int height);
 void move(QWidget* w, int left, int top);
 void setLeft(QWidget* w, int left);
 void setWidth(QWidget* w, int width);
-void setHeight(QWidget* w, int height);
 int width(const QWidget* w);
 
 // The fixed colours of the window.
@@ -47,7 +46,6 @@ void setColours(QWidget* w, const QColor& back, const QColor& fore);
 void setBack(QWidget* w, const QColor& back);
 void setFore(QWidget* w, const QColor& fore);
 QColor back(const QWidget* w);
-QColor fore(const QWidget* w);
 
 // Courier New where the system has it, otherwise the system's fixed-pitch font.
 QFont fixedFont(qreal pointSize);
