@@ -1,6 +1,7 @@
 // Race files: building and writing the results export of a large race, and reading a long
 // start order. Prints the median and the worst of several runs of each.
 #include "app/core/basic.h"
+#include "benchutil.h"
 #include "files/core/exports.h"
 #include "files/core/startorder.h"
 
@@ -19,40 +20,6 @@ namespace
 {
 
 constexpr int runs = 21;
-
-struct Figures {
-    double median;
-    double worst;
-};
-
-Figures measure(const std::function<void()>& work)
-{
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return {times[times.size() / 2], times.back()};
-}
-
-void report(const char* what, Figures figures, double target)
-{
-    std::printf("%-58s median %7.2f ms  worst %7.2f ms  (target < %.0f ms) %s\n", what,
-                figures.median, figures.worst, target, figures.median < target ? "ok" : "SLOW");
-}
-
-QString clock(int finisher)
-{
-    const int ms = 600000 + finisher * 731;
-    return QStringLiteral("%1:%2:%3:%4")
-        .arg(ms / 3600000, 2, 10, QLatin1Char('0'))
-        .arg(ms / 60000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(ms / 1000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(ms % 1000, 3, 10, QLatin1Char('0'));
-}
 
 } // namespace
 
@@ -73,8 +40,8 @@ int main()
     for (int i = 1; i <= finishers; ++i) {
         const QString rank = basic::field4(i);
         source.list1.append(rank + u'-' + basic::field4(i * 7 % 3000) + QStringLiteral("- ") +
-                            clock(i) + QStringLiteral(" - 0:00:00:000"));
-        source.combo1.append(rank + QStringLiteral("- ") + clock(i) +
+                            finishTime(i) + QStringLiteral(" - 0:00:00:000"));
+        source.combo1.append(rank + QStringLiteral("- ") + finishTime(i) +
                              QStringLiteral(" - 0:00:00:000"));
     }
 
@@ -85,18 +52,22 @@ int main()
             failed = failed || !exports::exportResults(source).ok();
         };
     };
-    report("export of 10,000 finishers, four files (bibs and times)", measure(exportWith(true)),
+    report("export of 10,000 finishers, four files (bibs and times)",
+           measure(runs, exportWith(true)), 50);
+    report("export of 10,000 finishers, single file", measure(runs, exportWith(false)), 50);
+    report("TiemposSalida of 10,000 finishers (after F1/F3)",
+           measure(runs,
+                   [&] {
+                       source.opp2 = true;
+                       failed = failed || !exports::saveStartTimes(source).ok();
+                   }),
            50);
-    report("export of 10,000 finishers, single file", measure(exportWith(false)), 50);
-    report("TiemposSalida of 10,000 finishers (after F1/F3)", measure([&] {
-               source.opp2 = true;
-               failed = failed || !exports::saveStartTimes(source).ok();
-           }),
-           50);
-    report("building the four files only, no writing", measure([&] {
-               source.opp2 = true;
-               failed = failed || exports::resultsFiles(source).size() != 4;
-           }),
+    report("building the four files only, no writing",
+           measure(runs,
+                   [&] {
+                       source.opp2 = true;
+                       failed = failed || exports::resultsFiles(source).size() != 4;
+                   }),
            50);
 
     // A start order of 5,000 runners.
@@ -106,7 +77,7 @@ int main()
     for (int i = 1; i <= runners; ++i) {
         QByteArray record(startorder::recordSize, ' ');
         qToLittleEndian<qint16>(static_cast<qint16>(i), record.data());
-        record.replace(startorder::timeOffset, 8, clock(i).left(8).toLatin1());
+        record.replace(startorder::timeOffset, 8, finishTime(i).left(8).toLatin1());
         bytes += record;
     }
     const QString orderFile = QDir(drive.path()).filePath(QStringLiteral("cri.ent"));
@@ -117,11 +88,13 @@ int main()
     }
     file.close();
     qsizetype lines = 0;
-    report("start order of 5,000 records", measure([&] {
-               const auto import = startorder::readStartOrder(orderFile);
-               lines = import.lines.size();
-               failed = failed || import.errores != 0;
-           }),
+    report("start order of 5,000 records",
+           measure(runs,
+                   [&] {
+                       const auto import = startorder::readStartOrder(orderFile);
+                       lines = import.lines.size();
+                       failed = failed || import.errores != 0;
+                   }),
            50);
 
     if (failed || lines != runners) {

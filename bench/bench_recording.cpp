@@ -5,6 +5,7 @@
 #include "app/core/statefile.h"
 #include "app/dialogs.h"
 #include "app/formmarvolendo.h"
+#include "benchutil.h"
 #include "chrono/core/clock.h"
 
 #include <QApplication>
@@ -52,46 +53,15 @@ public:
     QString openFile(QWidget*, const FileRequest&) override { return ++shown, QString(); }
 };
 
-struct Figures {
-    double median;
-    double worst;
-};
-
 // Times work(); withRedraw also counts the events it leaves pending (the redraw).
-Figures measure(const std::function<void(int)>& work, bool withRedraw)
+Figures measureRuns(const std::function<void(int)>& work, bool withRedraw)
 {
-    std::vector<double> times;
-    times.reserve(runs);
-    for (int i = 0; i < runs; ++i) {
-        QApplication::processEvents();
-        QElapsedTimer timer;
-        timer.start();
-        work(i);
-        if (withRedraw)
-            QApplication::processEvents();
-        times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-    }
-    std::sort(times.begin(), times.end());
-    return {times[times.size() / 2], times.back()};
-}
-
-// The target applies to the handler; the redraw comes after it and is shown for information.
-void report(const char* what, Figures figures, double target)
-{
-    std::printf("%-44s median %7.3f ms  worst %7.3f ms", what, figures.median, figures.worst);
-    if (target > 0)
-        std::printf("  (target < %.0f ms) %s", target, figures.median < target ? "ok" : "SLOW");
-    std::printf("\n");
-}
-
-QString clockText(int finisher)
-{
-    const int ms = 600000 + finisher * 731;
-    return QStringLiteral("%1:%2:%3:%4")
-        .arg(ms / 3600000, 2, 10, QLatin1Char('0'))
-        .arg(ms / 60000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(ms / 1000 % 60, 2, 10, QLatin1Char('0'))
-        .arg(ms % 1000, 3, 10, QLatin1Char('0'));
+    return measure(
+        runs, work, [](int) { QApplication::processEvents(); },
+        [withRedraw](int) {
+            if (withRedraw)
+                QApplication::processEvents();
+        });
 }
 
 // A race in Milesimas in the bibs-and-times mode, stopped, with its results lines.
@@ -100,13 +70,13 @@ RaceState bigRace()
     RaceState s;
     s.formato = 2.0;
     s.modoCaptura = 1.0;
-    s.tempsPrimer = clockText(1);
+    s.tempsPrimer = finishTime(1);
     for (int i = 1; i <= listed; ++i) {
         const QString rank = basic::field4(i);
-        const QString diff = u'0' + clockText(i - 1).mid(2);
-        s.list1 << rank + u'-' + basic::field4(i * 7 % 3000) + QStringLiteral("- ") + clockText(i) +
-                       QStringLiteral(" - ") + diff;
-        s.combo1 << rank + QStringLiteral("- ") + clockText(i) + QStringLiteral(" - ") + diff;
+        const QString diff = u'0' + finishTime(i - 1).mid(2);
+        s.list1 << rank + u'-' + basic::field4(i * 7 % 3000) + QStringLiteral("- ") +
+                       finishTime(i) + QStringLiteral(" - ") + diff;
+        s.combo1 << rank + QStringLiteral("- ") + finishTime(i) + QStringLiteral(" - ") + diff;
     }
     return s;
 }
@@ -170,8 +140,8 @@ int main(int argc, char* argv[])
             clock.seconds += 0.731;
             Command3->click();
         };
-        const Figures lapAlone = measure(lap, false);
-        const Figures lapDrawn = measure(lap, true);
+        const Figures lapAlone = measureRuns(lap, false);
+        const Figures lapDrawn = measureRuns(lap, true);
         form.Command1_Click(1); // Stop
 
         // A correction: the line is chosen, Text2 gets the bib, Enter writes it.
@@ -181,15 +151,15 @@ int main(int argc, char* argv[])
             Text2->setText(QString::number(100 + i));
             pressEnter(Text2);
         };
-        const Figures correctAlone = measure(correct, false);
-        const Figures correctDrawn = measure(correct, true);
+        const Figures correctAlone = measureRuns(correct, false);
+        const Figures correctDrawn = measureRuns(correct, true);
 
         std::printf("Results list of %d lines, %d runs each (QT_QPA_PLATFORM=%s)\n", listed, runs,
                     qgetenv("QT_QPA_PLATFORM").constData());
         report("record one finish (handler)", lapAlone, 1);
-        report("record one finish (handler and redraw)", lapDrawn, 0);
+        report("record one finish (handler and redraw)", lapDrawn);
         report("correct one bib (handler)", correctAlone, 2);
-        report("correct one bib (handler and redraw)", correctDrawn, 0);
+        report("correct one bib (handler and redraw)", correctDrawn);
         failed = lapAlone.median >= 1 || correctAlone.median >= 2;
 
         // The work was done: every finish added its line, every correction found its line.

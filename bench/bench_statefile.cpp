@@ -3,6 +3,7 @@
 //   build/bench/bench_statefile
 #include "app/core/journal.h"
 #include "app/core/statefile.h"
+#include "benchutil.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -44,19 +45,6 @@ RaceState bigRace()
     return s;
 }
 
-template <typename F> std::pair<double, double> measure(int runs, F&& work)
-{
-    std::vector<double> ms;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer t;
-        t.start();
-        work();
-        ms.push_back(static_cast<double>(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms.back()};
-}
-
 } // namespace
 
 int main()
@@ -89,13 +77,13 @@ int main()
 
     std::printf("state file, 10,000 finishers + 500 start lines (%lld bytes):\n",
                 static_cast<long long>(QFileInfo(path).size()));
-    std::printf("  write (atomic, synced): median %.2f ms, worst %.2f ms\n", write.first,
-                write.second);
-    std::printf("  of which encoding:      median %.2f ms\n", encode.first);
-    std::printf("  read:                   median %.2f ms, worst %.2f ms\n", read.first,
-                read.second);
-    std::printf("journal entry of a finish: median %.4f ms, worst %.4f ms\n", entry.first,
-                entry.second);
-    std::printf("journal snapshot of the whole race: median %.2f ms\n", snapshot.first);
+    std::printf("  write (atomic, synced): median %.2f ms, worst %.2f ms\n", write.median,
+                write.worst);
+    std::printf("  of which encoding:      median %.2f ms\n", encode.median);
+    std::printf("  read:                   median %.2f ms, worst %.2f ms\n", read.median,
+                read.worst);
+    std::printf("journal entry of a finish: median %.4f ms, worst %.4f ms\n", entry.median,
+                entry.worst);
+    std::printf("journal snapshot of the whole race: median %.2f ms\n", snapshot.median);
     return 0;
 }
