@@ -242,12 +242,19 @@ void FormMarvolendo::recuperar()
         }
     }
 
+    runningColours();
+    opp4->setEnabled(true);
+}
+
+// The colours of the data area while a race is on: the clock and the rank in teal, the lists
+// and the correction field in light yellow.
+void FormMarvolendo::runningColours()
+{
     for (QLabel* l : {Label1, Label6, Label2})
         look::setColours(l, look::teal, look::lightYellow);
     for (QWidget* w : {static_cast<QWidget*>(Combo1), static_cast<QWidget*>(List1),
                        static_cast<QWidget*>(Text2)})
         look::setColours(w, look::lightYellow, look::windowText());
-    opp4->setEnabled(true);
 }
 
 RaceState FormMarvolendo::currentState() const

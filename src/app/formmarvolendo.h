@@ -200,6 +200,9 @@ private:
     void guardarSalidas();
     void recordFinish(); // a fresh tick, then the Lap: a finish is stamped when it arrives
     void rewriteCorrectedLine();
+    void bibFieldGotFocus(QLineEdit* field);
+    void bibFieldKeyPress(QLineEdit* field, int& keyAscii);
+    void runningColours();
     int checkedFormat() const;
     QList<QWidget*> bibsOnlyHidden() const; // index of the first checked op2 entry, -1 when none
     RaceState currentState() const;

@@ -48,11 +48,7 @@ void FormMarvolendo::Command1_Click(int index)
             Text1->setFocus();
         opp2->setEnabled(false);
         opp22->setEnabled(false);
-        for (QLabel* l : {Label1, Label6, Label2})
-            look::setColours(l, look::teal, look::lightYellow);
-        for (QWidget* w : {static_cast<QWidget*>(Combo1), static_cast<QWidget*>(List1),
-                           static_cast<QWidget*>(Text2)})
-            look::setColours(w, look::lightYellow, look::windowText());
+        runningColours();
     } else if (index == 1) {
         Command1[1]->setVisible(false);
         Command1[0]->setVisible(true);

@@ -40,24 +40,36 @@ void caretToEnd(QLineEdit* field)
 
 } // namespace
 
-void FormMarvolendo::Text1_GotFocus()
+// Both bib fields: on focus, the colours, the field's kind and bounds, the caret at the end.
+void FormMarvolendo::bibFieldGotFocus(QLineEdit* field)
 {
-    look::setColours(Text1, look::navy, look::windowBackground());
+    look::setColours(field, look::navy, look::windowBackground());
     tipoCampo = 6;
     maxCampo = 9999;
     minCampo = 0;
-    caretToEnd(Text1);
+    caretToEnd(field);
 }
 
-void FormMarvolendo::Text1_KeyPress(int& keyAscii)
+// Both bib fields: a key through the filter, with its range message; sets enterCampo.
+void FormMarvolendo::bibFieldKeyPress(QLineEdit* field, int& keyAscii)
 {
     const EntradaResult result = entrada(entradaState, keyAscii, static_cast<int>(tipoCampo),
-                                         rightTrimmed(Text1->text()), minCampo, maxCampo);
+                                         rightTrimmed(field->text()), minCampo, maxCampo);
     keyAscii = result.keyAscii;
     enterCampo = result.enter ? 1 : 0;
     if (result.message != RangeMessage::None)
         dialogs.warn(this, rangeMessageTitle(result.message),
                      rangeMessageText(result.message, result.bound));
+}
+
+void FormMarvolendo::Text1_GotFocus()
+{
+    bibFieldGotFocus(Text1);
+}
+
+void FormMarvolendo::Text1_KeyPress(int& keyAscii)
+{
+    bibFieldKeyPress(Text1, keyAscii);
     if (enterCampo == 1) {
         recordFinish();
         Text1->setText(QString());
@@ -77,22 +89,12 @@ void FormMarvolendo::Text1_LostFocus()
 
 void FormMarvolendo::Text2_GotFocus()
 {
-    look::setColours(Text2, look::navy, look::windowBackground());
-    tipoCampo = 6;
-    maxCampo = 9999;
-    minCampo = 0;
-    caretToEnd(Text2);
+    bibFieldGotFocus(Text2);
 }
 
 void FormMarvolendo::Text2_KeyPress(int& keyAscii)
 {
-    const EntradaResult result = entrada(entradaState, keyAscii, static_cast<int>(tipoCampo),
-                                         rightTrimmed(Text2->text()), minCampo, maxCampo);
-    keyAscii = result.keyAscii;
-    enterCampo = result.enter ? 1 : 0;
-    if (result.message != RangeMessage::None)
-        dialogs.warn(this, rangeMessageTitle(result.message),
-                     rangeMessageText(result.message, result.bound));
+    bibFieldKeyPress(Text2, keyAscii);
     if (enterCampo == 1 && !Text2->text().isEmpty())
         rewriteCorrectedLine();
 }
