@@ -1,6 +1,6 @@
 // Race files: building and writing the results export of a large race, and reading a long
 // start order. Prints the median and the worst of several runs of each.
-#include "app/core/basic.h"
+#include "base/basic.h"
 #include "benchutil.h"
 #include "files/core/exports.h"
 #include "files/core/startorder.h"

@@ -1,7 +1,7 @@
 // Recording a finish and correcting a bib in the real window, with 10,000 lines already in the
 // results list. Prints the median and the worst of many runs of each, the handler alone and
 // the handler with the redraw it causes.
-#include "app/core/basic.h"
+#include "base/basic.h"
 #include "app/core/statefile.h"
 #include "app/dialogs.h"
 #include "app/formmarvolendo.h"
@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -134,7 +135,9 @@ int main(int argc, char* argv[])
             return 1;
         }
 
-        form.Command1_Click(0); // Start
+        auto* Start = form.findChild<QPushButton*>(QStringLiteral("Command1(0)"));
+        auto* Stop = form.findChild<QPushButton*>(QStringLiteral("Command1(1)"));
+        Start->click();
         // The Lap, as the button runs it: a fresh clock reading, then the lines.
         auto lap = [&](int) {
             clock.seconds += 0.731;
@@ -142,12 +145,14 @@ int main(int argc, char* argv[])
         };
         const Figures lapAlone = measureRuns(lap, false);
         const Figures lapDrawn = measureRuns(lap, true);
-        form.Command1_Click(1); // Stop
+        Stop->click();
 
         // A correction: the line is chosen, Text2 gets the bib, Enter writes it.
         auto correct = [&](int i) {
             List1->setCurrentRow(1000 + i * 37 % 8000);
-            form.List1_DblClick();
+            QMouseEvent dbl(QEvent::MouseButtonDblClick, QPointF(4, 4), QPointF(4, 4),
+                            Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(List1->viewport(), &dbl);
             Text2->setText(QString::number(100 + i));
             pressEnter(Text2);
         };

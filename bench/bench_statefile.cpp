@@ -64,7 +64,7 @@ int main()
     Journal journal;
     RaceRecord record{race, {}, {}, {}};
     journal.start(dir.filePath(QStringLiteral("MARVO.jrn")), record);
-    FinishEntry finish;
+    RaceChange finish;
     finish.label2 = QStringLiteral("10001");
     finish.hasLines = true;
     finish.combo1Line = race.combo1.last();
@@ -72,7 +72,7 @@ int main()
     finish.tempsPrimer = race.tempsPrimer;
     finish.label4 = finish.label5 = race.tempsPrimer;
     finish.label8 = QStringLiteral("0:00:00:000");
-    const auto entry = measure(2001, [&] { journal.append(journal::encodeFinish(finish)); });
+    const auto entry = measure(2001, [&] { journal.append(journal::encodeChange(finish)); });
     const auto snapshot = measure(5, [&] { journal.append(journal::encodeSnapshot(record)); });
 
     std::printf("state file, 10,000 finishers + 500 start lines (%lld bytes):\n",

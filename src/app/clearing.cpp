@@ -1,6 +1,7 @@
 // Clearing a race and the compact window.
-#include "app/core/basic.h"
+#include "base/basic.h"
 #include "app/formmarvolendo.h"
+#include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
 
@@ -22,7 +23,7 @@ using texts::zeroClock;
 void FormMarvolendo::Command4_Click()
 {
     // Nothing recorded and the clock at zero: there is nothing to lose, so no question.
-    if (Label1->text() != zeroClock || List1->count() >= 1) {
+    if (Label1->text() != zeroClock || !race.list1().isEmpty()) {
         respuesta = dialogs.confirm(this, QStringLiteral("Borrado de tiempos"),
                                     QStringLiteral("Cuidado si continua borrara todos los datos "
                                                    "almacenados"));
@@ -53,8 +54,7 @@ void FormMarvolendo::Command4_Click()
     default:
         break;
     }
-    Combo1->clear();
-    List1->clear();
+    race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
 
     for (QLabel* l : {Label4, Label7}) {
         look::setColours(l, look::lightGrey, Qt::black);
@@ -71,6 +71,7 @@ void FormMarvolendo::Command4_Click()
                        static_cast<QWidget*>(List1), static_cast<QWidget*>(Text1)})
         look::setColours(w, look::lightGrey, look::grey);
     Text1->clear();
+    journalSnapshot();
 }
 
 void FormMarvolendo::opp4_Click()
@@ -82,16 +83,16 @@ void FormMarvolendo::opp4_Click()
     recuperar();
 
     if (opp4->isChecked()) {
-        setFormHeightTwips(2050);
-        setFormWidthTwips(4545);
+        setFormHeightTwips(layouts::compact.height);
+        setFormWidthTwips(layouts::compact.width);
         Command6->setVisible(false);
         opp2->setEnabled(false);
         opp22->setEnabled(false);
         opp4->setText(QStringLiteral("Maximizar"));
     } else {
-        setFormHeightTwips(5115);
+        setFormHeightTwips(layouts::fullHeight);
         if (opp2->isChecked())
-            setFormWidthTwips(13440);
+            setFormWidthTwips(layouts::bibsAndTimesWidth);
         else
             Command6->setVisible(true);
         if (inicio == 0) {

@@ -1,5 +1,6 @@
 // Building the window: every control with its name, caption, font, colour and place.
 #include "app/artwork.h"
+#include "app/layouts.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
 #include "app/texts.h"
@@ -106,10 +107,8 @@ void FormMarvolendo::buildControls()
     Label18->setToolTip(QStringLiteral("Cuenta atras hasta la salida seleccionada"));
     Command6 =
         pictureButton(area, QStringLiteral("Command6"), artwork::exportIcon(), texts::tipOneFile);
-    look::place(Command6, 3360, 0, 480, 405);
     Command5 = pictureButton(area, QStringLiteral("Command5"), artwork::saveAndEndIcon(),
                              QStringLiteral("Guardar y salir"));
-    look::place(Command5, 3840, 0, 480, 405);
 
     // The clock: hh:mm:ss, the fraction beside it, the thousandths and the seconds bar.
     Label1 = label(area, QStringLiteral("Label1"), QStringLiteral("00:00:00"), clockFont,
@@ -141,7 +140,6 @@ void FormMarvolendo::buildControls()
     Text1->setFont(sansFont(18));
     Text1->setAlignment(Qt::AlignCenter);
     Text1->setToolTip(QStringLiteral("Dorsal del corredor que llega; Intro toma el tiempo"));
-    look::place(Text1, 960, 1080, 1455, 570);
     Text1->setVisible(false);
     Text1->setEnabled(false);
     Label2 = label(area, QStringLiteral("Label2"), QStringLiteral("0"), sansFont(16, true),
@@ -152,7 +150,6 @@ void FormMarvolendo::buildControls()
     // The results area.
     Frame1 = make<QGroupBox>(area, QStringLiteral("Frame1"));
     Frame1->setTitle(QStringLiteral("Tiempos Parciales"));
-    look::place(Frame1, 120, 2040, 4215, 1815);
     Label9 =
         label(Frame1, QStringLiteral("Label9"), QStringLiteral("Tiempo del Primero"), titleFont);
     look::place(Label9, 60, 255, 2010, 165);
@@ -197,7 +194,6 @@ void FormMarvolendo::buildControls()
     List1 = make<QListWidget>(area, QStringLiteral("List1"));
     List1->setFont(look::fixedFont(9));
     List1->setUniformItemSizes(true);
-    look::place(List1, 4440, 240, 4335, 3420);
     Label14 = label(area, QStringLiteral("Label14"), QString(), look::fixedFont(9));
     look::place(Label14, 4440, 3690, 4335, 240);
     Label15 = label(area, QStringLiteral("Label15"),
@@ -205,13 +201,11 @@ void FormMarvolendo::buildControls()
                     titleFont);
     Label15->setWordWrap(true);
     Label15->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    look::place(Label15, 3600, 3870, 3900, 420);
     Text2 = make<QLineEdit>(area, QStringLiteral("Text2"));
     Text2->setFont(sansFont(13.5));
     Text2->setAlignment(Qt::AlignCenter);
     Text2->setEnabled(false);
     Text2->setToolTip(QStringLiteral("Dorsal corregido; Intro lo escribe en la linea"));
-    look::place(Text2, 7560, 3840, 1215, 450);
     // As drawn, the window is the wide one with the results list; the copy of the line under
     // correction is never shown.
     Label14->setVisible(false);
@@ -265,6 +259,20 @@ void FormMarvolendo::buildControls()
     Timer2->setObjectName(QStringLiteral("Timer2"));
     Adodc1 = new AdoDataControl(this);
     Adodc1->setObjectName(QStringLiteral("Adodc1"));
+
+    placeSheet(false);
+}
+
+void FormMarvolendo::placeSheet(bool bibsOnly)
+{
+    const auto px = [](int twips, int current) { return twips < 0 ? current : look::px(twips); };
+    for (const layouts::Moved& m : layouts::sheetControls) {
+        const layouts::Rect& r = bibsOnly ? m.bibsOnly : m.normal;
+        auto* w = findChild<QWidget*>(QLatin1String(m.control));
+        const QRect now = w->geometry();
+        w->setGeometry(px(r.left, now.x()), px(r.top, now.y()), px(r.width, now.width()),
+                       px(r.height, now.height()));
+    }
 }
 
 void FormMarvolendo::buildMenus()
@@ -298,33 +306,32 @@ void FormMarvolendo::buildMenus()
 
 void FormMarvolendo::connectHandlers()
 {
-    // Every handler that can change the race record leaves an entry in the journal before the
-    // event is done with.
-    const auto recorded = [this](auto handler) {
-        return [this, handler] {
-            handler();
-            journalCheckpoint();
-        };
-    };
-    connect(Command1[0], &QPushButton::clicked, this, recorded([this] { Command1_Click(0); }));
-    connect(Command1[1], &QPushButton::clicked, this, recorded([this] { Command1_Click(1); }));
-    connect(Command2[0], &QPushButton::clicked, this, recorded([this] { Command2_Click(0); }));
-    connect(Command2[1], &QPushButton::clicked, this, recorded([this] { Command2_Click(1); }));
-    connect(Command3, &QPushButton::clicked, this, recorded([this] { recordFinish(); }));
-    connect(Command4, &QPushButton::clicked, this, recorded([this] { Command4_Click(); }));
+    // The lists show the race record, and the journal writes each change of it as it is made.
+    connect(&race, &Race::changed, this, &FormMarvolendo::showChange);
+    connect(&race, &Race::changed, this, &FormMarvolendo::journalChange);
+    connect(&race, &Race::restored, this, &FormMarvolendo::showRestored);
+
+    connect(Command1[0], &QPushButton::clicked, this, [this] { Command1_Click(0); });
+    connect(Command1[1], &QPushButton::clicked, this, [this] { Command1_Click(1); });
+    connect(Command2[0], &QPushButton::clicked, this, [this] { Command2_Click(0); });
+    connect(Command2[1], &QPushButton::clicked, this, [this] { Command2_Click(1); });
+    connect(Command3, &QPushButton::clicked, this, &FormMarvolendo::recordFinish);
+    connect(Command4, &QPushButton::clicked, this, &FormMarvolendo::Command4_Click);
     connect(Command5, &QPushButton::clicked, this, &FormMarvolendo::Command5_Click);
     connect(Command6, &QPushButton::clicked, this, &FormMarvolendo::Command6_Click);
-    connect(Command7, &QPushButton::clicked, this, recorded([this] { Command7_Click(); }));
-    connect(Command8, &QPushButton::clicked, this, recorded([this] { Command8_Click(); }));
+    connect(Command7, &QPushButton::clicked, this, &FormMarvolendo::Command7_Click);
+    connect(Command8, &QPushButton::clicked, this, &FormMarvolendo::Command8_Click);
     connect(Timer1, &QTimer::timeout, this, &FormMarvolendo::Timer1_Timer);
     connect(Timer2, &QTimer::timeout, this, &FormMarvolendo::Timer2_Timer);
     // Qt toggles a check item before it reports the click, while these handlers move their
-    // own check marks: the mark is put back as it stood, then the handler runs.
+    // own check marks: the mark is put back as it stood, then the handler runs. A format or
+    // mode choice changes window-level values all through its handler (and may clear the
+    // race): the journal takes the race whole after it.
     const auto menuClick = [this](QAction* action, auto handler) {
         connect(action, &QAction::triggered, this, [this, action, handler](bool checked) {
             action->setChecked(!checked);
             handler();
-            journalCheckpoint();
+            journalSnapshot();
         });
     };
     for (int i = 0; i < 3; ++i)
@@ -339,12 +346,14 @@ void FormMarvolendo::connectHandlers()
     connect(guardadoTimer, &QTimer::timeout, Frame3, &QGroupBox::hide);
 
     // The function keys reach the window before any control, also while a field has the focus.
-    for (const Qt::Key key : {Qt::Key_F1, Qt::Key_F3}) {
+    // Form_KeyDown takes the old key codes: 112 for F1, 114 for F3.
+    const std::pair<Qt::Key, int> finishKeys[] = {{Qt::Key_F1, 112}, {Qt::Key_F3, 114}};
+    for (const auto& [key, code] : finishKeys) {
         auto* shortcut = new QShortcut(QKeySequence(key), this);
         shortcut->setContext(Qt::WindowShortcut);
         shortcut->setAutoRepeat(false);
         connect(shortcut, &QShortcut::activated, this,
-                [this, key] { Form_KeyDown(key == Qt::Key_F1 ? 112 : 114, Qt::NoModifier); });
+                [this, code] { Form_KeyDown(code, Qt::NoModifier); });
     }
 
     // Key presses, double-clicks and focus changes of the fields and the list.

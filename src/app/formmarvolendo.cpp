@@ -2,9 +2,10 @@
 #include "app/formmarvolendo.h"
 
 #include "app/artwork.h"
-#include "app/core/basic.h"
-#include "app/core/cp1252.h"
-#include "app/core/paths.h"
+#include "base/basic.h"
+#include "base/cp1252.h"
+#include "base/paths.h"
+#include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
 #include "chrono/core/clock.h"
@@ -44,7 +45,7 @@ FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, QWidge
     buildMenus();
     connectHandlers();
     // The window as drawn: the wide layout with the results list.
-    setFormTwips(13440, 5115);
+    setFormTwips(layouts::drawn.width, layouts::drawn.height);
     // After an abnormal end the journal may hold finishes the state file lacks.
     offerRecovery();
     Form_Load();
@@ -151,9 +152,10 @@ void FormMarvolendo::Form_Load()
 
     // The next finish continues the numbering of the restored list, and the last finisher's
     // labels show the last restored line.
-    Label2->setText(basic::digits(double(List1->count())));
-    if (List1->count() > 0) {
-        const QString last = List1->item(List1->count() - 1)->text();
+    const QStringList& finishes = race.list1();
+    Label2->setText(basic::digits(double(finishes.size())));
+    if (!finishes.isEmpty()) {
+        const QString& last = finishes.last();
         const qsizetype separator = last.indexOf(QLatin1String(" - "), 11);
         if (separator > 11) {
             Label5->setText(basic::mid(last, 12, separator - 11));
@@ -166,14 +168,12 @@ void FormMarvolendo::recuperar()
 {
     // The lists come back only from the state file read at start-up; at any other time no file
     // is open and the results lists are simply emptied (List2 keeps its lines).
-    Combo1->clear();
-    List1->clear();
     if (restored) {
         const RaceState& saved = restored->state;
-        Combo1->addItems(saved.combo1);
-        List1->addItems(saved.list1);
-        List2->addItems(saved.list2);
+        race.restore(saved.combo1, saved.list1, saved.list2);
         restored.reset();
+    } else {
+        race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
     }
 
     const double format = number(formato);
@@ -216,7 +216,7 @@ void FormMarvolendo::recuperar()
         }
     }
 
-    look::setWidth(Label1, op2[0]->isChecked() ? 4215 : 3015);
+    look::setWidth(Label1, op2[0]->isChecked() ? layouts::clockWidthSeconds : layouts::clockWidth);
 
     opp22->setEnabled(false);
     for (QAction* a : op2)
@@ -268,15 +268,9 @@ RaceState FormMarvolendo::currentState() const
     s.label8 = Label8->text();
     s.formato = formato;
     s.modoCaptura = modoCaptura;
-    s.combo1.reserve(Combo1->count());
-    for (int i = 0; i < Combo1->count(); ++i)
-        s.combo1 << Combo1->itemText(i);
-    s.list1.reserve(List1->count());
-    for (int i = 0; i < List1->count(); ++i)
-        s.list1 << List1->item(i)->text();
-    s.list2.reserve(List2->count());
-    for (int i = 0; i < List2->count(); ++i)
-        s.list2 << List2->item(i)->text();
+    s.combo1 = race.combo1();
+    s.list1 = race.list1();
+    s.list2 = race.list2();
     return s;
 }
 
@@ -303,7 +297,6 @@ void FormMarvolendo::Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift)
         recordFinish();
         Text1->setText(QString());
         guardarSalidas();
-        journalCheckpoint();
     }
 }
 
@@ -317,7 +310,7 @@ void FormMarvolendo::recordFinish()
 
 void FormMarvolendo::Command8_Click()
 {
-    List2->clear();
+    race.apply(RaceChange::of(RaceChange::Kind::StartOrderEmptied));
 }
 
 void FormMarvolendo::Command5_Click()
@@ -365,7 +358,6 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
         return false;
     case QEvent::MouseButtonDblClick:
         first ? Text1_DblClick() : Text2_DblClick();
-        journalCheckpoint(!first);
         return true;
     case QEvent::KeyPress:
         break;
@@ -388,8 +380,6 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
         return true; // a character outside the code page is swallowed
     const int typed = code;
     first ? Text1_KeyPress(code) : Text2_KeyPress(code);
-    if (typed == 13)
-        journalCheckpoint(!first); // a finish, or a corrected bib
     if (code != 0 && code != 13 && code != typed) {
         // The filter changed the key (upper case, say): type the changed character instead.
         (first ? Text1 : Text2)->insert(QString(cp1252::character(code)));

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "app/core/journal.h"
+#include "app/core/race.h"
 #include "app/core/racestate.h"
 #include "app/core/statefile.h"
 #include "app/dialogs.h"
@@ -17,6 +18,7 @@
 
 #include <QMainWindow>
 #include <QString>
+#include <QUndoStack>
 
 #include <memory>
 #include <optional>
@@ -47,14 +49,31 @@ public:
     FormMarvolendo(Clock& clock, Dialogs& dialogs, QWidget* parent = nullptr);
     ~FormMarvolendo() override;
 
-    // --- procedures other parts of the window call ---
+    // The clock tick and the time of day, also run by hand where no event loop turns.
+    void Timer1_Timer();
+    void Timer2_Timer();
+    // Opens the link to the readings database afresh; returns why it failed, empty when open.
+    // The unopened link is kept when it fails.
+    QString conectarLecturas();
+
+    // A short notice in the window for a failure the operator must know of while timing: it
+    // takes no focus and needs no click.
+    void avisar(const QString& text);
+
+signals:
+    // Emitted when the program is to end (Command5); main() quits the application on it.
+    void terminar();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    // --- procedures ---
     void marcar();
     void recuperar();
     bool guardarEstado();
     void carregar(const QString& cami);
-    // Opens the link to the readings database afresh; returns why it failed, empty when open.
-    // The unopened link is kept when it fails.
-    QString conectarLecturas();
     void controles();
     void tempsMarvo(double tempsInicial, QString& temps);
 
@@ -69,8 +88,6 @@ public:
     void Command6_Click();
     void Command7_Click();
     void Command8_Click();
-    void Timer1_Timer();
-    void Timer2_Timer();
     void op2_Click(int index);
     void opp2_Click();
     void opp22_Click();
@@ -87,19 +104,6 @@ public:
     void Text2_DblClick();
     void Text2_LostFocus();
 
-    // A short notice in the window for a failure the operator must know of while timing: it
-    // takes no focus and needs no click.
-    void avisar(const QString& text);
-
-signals:
-    // Emitted when the program is to end (Command5); main() quits the application on it.
-    void terminar();
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
-
-private:
     // Window-level values of the race.
     double inicio = 0;
     double desfase = 0;
@@ -122,6 +126,13 @@ private:
 
     // The lists read from the state file at start-up, put back by the first recuperar.
     std::optional<statefile::Restored> restored;
+
+    // The race record: List1, Combo1 and List2 show its lines (results/lists.cpp). Changes the
+    // operator can take back go through the undo stack.
+    Race race;
+    QUndoStack undoStack;
+    void showChange(const RaceChange& change);
+    void showRestored();
 
     // Controls, named as the operator's manual and the handlers know them.
     QPushButton* Command1[2] = {};
@@ -179,14 +190,14 @@ private:
 
     std::unique_ptr<readings::ReadingsLink> conexion;
 
-    // The finish journal (journalling.cpp): what it holds so far, so that a change is written
-    // as the smallest entry that describes it.
+    // The finish journal (journalling.cpp): each change of the race record is written as it
+    // is made; a change of the window-level values writes a whole snapshot.
     Journal journal;
-    RaceRecord journaled;
     std::optional<RaceRecord> recoveredLabels;
     void offerRecovery();
     void startJournal();
-    void journalCheckpoint(bool mayCorrect = false);
+    void journalChange(const RaceChange& change);
+    void journalSnapshot();
     RaceRecord currentRecord() const;
     Clock& clock;
     Dialogs& dialogs;
@@ -209,4 +220,5 @@ private:
     void setFormTwips(int widthTwips, int heightTwips);
     void setFormWidthTwips(int widthTwips);
     void setFormHeightTwips(int heightTwips);
+    void placeSheet(bool bibsOnly);
 };

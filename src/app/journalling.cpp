@@ -1,14 +1,12 @@
-// The finish journal in the window: recovery at start-up after an abnormal end, and one entry
-// for every change of the race record, written before the handler that made it returns.
-#include "app/core/basic.h"
+// The finish journal in the window: recovery at start-up after an abnormal end, one entry for
+// every change of the race record as the record makes it, and a snapshot of the whole race
+// when a handler changes the window-level values (Start, Stop, the clock, a clear, a format).
 #include "app/core/statefile.h"
 #include "app/formmarvolendo.h"
 
-#include <QComboBox>
 #include <QDateTime>
 #include <QFile>
 #include <QLabel>
-#include <QListWidget>
 
 namespace
 {
@@ -86,79 +84,20 @@ void FormMarvolendo::startJournal()
             Label1->setText(rec.label1);
         recoveredLabels.reset();
     }
-    journaled = currentRecord();
-    if (!journal.start(journalPath(carpeta), journaled))
+    if (!journal.start(journalPath(carpeta), currentRecord()))
         avisar(QStringLiteral("No se puede escribir el diario de la carrera %1 (%2): tras un "
                               "fallo solo se recuperaria lo guardado en MARVO.dat.")
                    .arg(journalPath(carpeta), journal.error()));
 }
 
-void FormMarvolendo::journalCheckpoint(bool mayCorrect)
+void FormMarvolendo::journalChange(const RaceChange& change)
 {
-    if (!journal.isOpen())
-        return;
-    RaceRecord& j = journaled;
-    RaceState& js = j.state;
-    const QString label1Now = inicio == 0 ? Label1->text() : QString();
-    const bool headerSame = js.inicio == inicio && js.desfase == desfase &&
-                            js.horaSalida == horaSalida && js.formato == formato &&
-                            js.modoCaptura == modoCaptura && j.label1 == label1Now;
-    const qsizetype n1 = List1->count();
-    const qsizetype nc = Combo1->count();
-    const bool listsSame =
-        n1 == js.list1.size() && nc == js.combo1.size() && List2->count() == js.list2.size();
-    const bool oneMore = n1 == js.list1.size() + 1 && nc == js.combo1.size() + 1 &&
-                         List2->count() == js.list2.size();
-    const bool labelsSame = j.label2 == Label2->text() && j.label4 == Label4->text() &&
-                            js.label5 == Label5->text() && js.label8 == Label8->text() &&
-                            js.tempsPrimer == tempsPrimer;
+    if (journal.isOpen())
+        journal.append(journal::encodeChange(change));
+}
 
-    if (headerSame && (oneMore || (listsSame && !labelsSame))) {
-        // A finish: the rank and the labels, and its two lines unless no format was checked.
-        FinishEntry e;
-        e.label2 = Label2->text();
-        e.hasLines = oneMore;
-        if (oneMore) {
-            e.combo1Line = Combo1->itemText(Combo1->count() - 1);
-            e.list1Line = List1->item(List1->count() - 1)->text();
-            js.combo1 << e.combo1Line;
-            js.list1 << e.list1Line;
-        }
-        e.tempsPrimer = tempsPrimer;
-        e.label4 = Label4->text();
-        e.label5 = Label5->text();
-        e.label8 = Label8->text();
-        j.label2 = e.label2;
-        j.label4 = e.label4;
-        js.tempsPrimer = e.tempsPrimer;
-        js.label5 = e.label5;
-        js.label8 = e.label8;
-        journal.append(journal::encodeFinish(e));
-        return;
-    }
-    if (headerSame && listsSame && labelsSame) {
-        if (!mayCorrect)
-            return;
-        // A bib correction changes one line of List1 in place.
-        qsizetype changed = -1;
-        for (qsizetype i = 0; i < n1; ++i) {
-            if (List1->item(static_cast<int>(i))->text() != js.list1[i]) {
-                if (changed >= 0) {
-                    changed = -2;
-                    break;
-                }
-                changed = i;
-            }
-        }
-        if (changed == -1)
-            return;
-        if (changed >= 0) {
-            js.list1[changed] = List1->item(static_cast<int>(changed))->text();
-            journal.append(journal::encodeCorrection(static_cast<int>(changed), js.list1[changed]));
-            return;
-        }
-    }
-    // Anything else (Start, Stop, a clear, an import...) is written as a whole new snapshot.
-    journaled = currentRecord();
-    journal.append(journal::encodeSnapshot(journaled));
+void FormMarvolendo::journalSnapshot()
+{
+    if (journal.isOpen())
+        journal.append(journal::encodeSnapshot(currentRecord()));
 }

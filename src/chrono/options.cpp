@@ -1,5 +1,6 @@
 // The time-format and capture-mode options.
 #include "app/formmarvolendo.h"
+#include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
 
@@ -73,7 +74,7 @@ void FormMarvolendo::op2_Click(int index)
         Command4_Click();
 
     // The whole-seconds clock also covers the place of the fraction label.
-    look::setWidth(Label1, number(formato) == 0 ? 4215 : 3015);
+    look::setWidth(Label1, number(formato) == 0 ? layouts::clockWidthSeconds : layouts::clockWidth);
 
     switch (checkedFormat()) {
     case 0:
@@ -112,7 +113,7 @@ void FormMarvolendo::opp2_Click()
         // Bibs and times: the bib field replaces "Lap", the wide window shows the list.
         opp4->setChecked(true);
         opp4_Click();
-        look::setWidth(Command3, 1815);
+        look::setWidth(Command3, layouts::lapButtonWidthBehindBib);
         look::setPointSize(Combo1, 9);
         Command3->setVisible(false);
         Text1->setVisible(true);
@@ -122,22 +123,22 @@ void FormMarvolendo::opp2_Click()
             w->setVisible(true);
         Label14->setVisible(false);
         Combo1->setVisible(false);
-        setFormWidthTwips(13440);
+        setFormWidthTwips(layouts::bibsAndTimesWidth);
         Command6->setToolTip(texts::tipThreeFiles);
         Image1->setVisible(true);
     } else {
         modoCaptura = 0.0;
         Command3->setVisible(true);
         Text1->setVisible(false);
-        look::setWidth(Command3, 3135);
+        look::setWidth(Command3, layouts::lapButtonWidth);
         for (QWidget* w : {static_cast<QWidget*>(Label14), static_cast<QWidget*>(Label15),
                            static_cast<QWidget*>(Label16), static_cast<QWidget*>(List1),
                            static_cast<QWidget*>(Text2)})
             w->setVisible(false);
         Combo1->setVisible(true);
-        setFormWidthTwips(4545);
+        setFormWidthTwips(layouts::lapWidth);
         Command6->setToolTip(texts::tipLapMode);
-        move(look::px(3000), y());
+        move(look::px(layouts::lapLeft), y());
         Image1->setVisible(false);
     }
 }
@@ -179,16 +180,10 @@ void FormMarvolendo::opp22_Click()
             w->setVisible(false);
         Frame1->setTitle(QString());
         Text1->setVisible(true);
-        look::move(Text1, 120, 240);
-        look::place(Frame1, 120, 0, 3375, 975);
-        look::move(Command5, 2950, 2000);
-        look::move(Command6, 2950, 2500);
+        placeSheet(true);
         Text1->setEnabled(true);
         look::setBack(Text1, look::olive);
-        look::place(List1, 120, 1030, 2000, 2790);
-        setFormTwips(3700, 4700);
-        look::move(Text2, 2300, 3333);
-        look::setLeft(Label15, 480);
+        setFormTwips(layouts::bibsOnly.width, layouts::bibsOnly.height);
         List1->setVisible(true);
         Text2->setVisible(true);
         Combo1->setVisible(false);
@@ -199,14 +194,8 @@ void FormMarvolendo::opp22_Click()
         for (QWidget* w : bibsOnlyHidden())
             w->setVisible(true);
         Frame1->setTitle(QStringLiteral("Tiempos parciales"));
-        look::move(Text1, 960, 1080);
-        look::place(Frame1, 120, 2040, 4215, 1815);
-        look::move(Command5, 3840, 0);
-        look::move(Command6, 3360, 0);
-        look::place(List1, 4440, 240, 4335, 3420);
-        setFormTwips(4545, 5100);
-        look::move(Text2, 7560, 3840);
-        look::setLeft(Label15, 3600);
+        placeSheet(false);
+        setFormTwips(layouts::leavingBibsOnly.width, layouts::leavingBibsOnly.height);
         Combo1->setVisible(true);
         look::setBack(Text1, look::lightGrey);
         Command6->setToolTip(texts::tipOneFile);

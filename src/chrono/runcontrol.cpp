@@ -1,5 +1,5 @@
 // Run control: Start and Stop, moving the stopped clock, the clock tick and the time of day.
-#include "app/core/basic.h"
+#include "base/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
 #include "app/texts.h"
@@ -49,6 +49,7 @@ void FormMarvolendo::Command1_Click(int index)
         opp2->setEnabled(false);
         opp22->setEnabled(false);
         runningColours();
+        journalSnapshot();
     } else if (index == 1) {
         Command1[1]->setVisible(false);
         Command1[0]->setVisible(true);
@@ -68,6 +69,7 @@ void FormMarvolendo::Command1_Click(int index)
             a->setEnabled(true);
         opp2->setEnabled(true);
         opp22->setEnabled(true);
+        journalSnapshot();
     }
 }
 
@@ -77,6 +79,7 @@ void FormMarvolendo::Command2_Click(int index)
         const double t = timevalue::decimalMil(Label1->text()) +
                          timevalue::decimalMil(QStringLiteral("00:01:00"));
         Label1->setText(basic::left(timevalue::tempsexaMil(t), 8));
+        journalSnapshot();
     } else if (index == 1) {
         // The guard compares eight characters with a nine-character text, so it never blocks:
         // the clock can be moved below zero.
@@ -84,6 +87,7 @@ void FormMarvolendo::Command2_Click(int index)
             const double t = timevalue::decimalMil(Label1->text()) -
                              timevalue::decimalMil(QStringLiteral("00:01:000"));
             Label1->setText(basic::left(timevalue::tempsexaMil(t), 8));
+            journalSnapshot();
         }
     }
 }

@@ -1,9 +1,10 @@
 // The bib fields: Text1 takes the bib of the runner crossing the line, Text2 the corrected bib
 // of the List1 line copied into Label14.
-#include "app/core/basic.h"
+#include "base/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
 #include "entry/core/entrada.h"
+#include "app/racecommand.h"
 #include "results/core/resultline.h"
 
 #include <QLabel>
@@ -121,13 +122,15 @@ void FormMarvolendo::rewriteCorrectedLine()
         return;
     }
     const int index = resultline::lineIndexOfRank(*line);
-    if (index < 0 || index >= List1->count()) {
+    if (index < 0 || index >= race.list1().size()) {
         avisar(QStringLiteral("No se puede corregir: la linea %1 no esta en la lista")
                    .arg(basic::left(*line, 4).trimmed()));
         return;
     }
     Label14->setText(*line);
-    List1->item(index)->setText(*line);
+    undoStack.push(new RaceCommand(race, RaceChange::bib(index, *line),
+                                   RaceChange::bib(index, race.list1()[index]),
+                                   QStringLiteral("Corregir el dorsal")));
     Text2->setText(QString());
     Label14->setText(QString());
 }

@@ -1,31 +1,24 @@
 // Results files, start-order import and the readings database link.
-#include "app/core/paths.h"
+#include "base/paths.h"
 #include "app/formmarvolendo.h"
 #include "files/core/exports.h"
 #include "files/core/startorder.h"
 #include "files/odbc/readingslink.h"
 
 #include <QAction>
-#include <QComboBox>
 #include <QGroupBox>
-#include <QListWidget>
 #include <QTimer>
 
 namespace
 {
 
-// What the export reads from the window: the lines on display, the capture mode's check mark
-// and the checked time format.
-exports::Source exportSource(const QListWidget* list1, const QComboBox* combo1, bool opp2,
-                             int format)
+// What the export reads: the lines of the race, the capture mode's check mark and the checked
+// time format.
+exports::Source exportSource(const Race& race, bool opp2, int format)
 {
     exports::Source source;
-    source.list1.reserve(list1->count());
-    for (int i = 0; i < list1->count(); ++i)
-        source.list1 << list1->item(i)->text();
-    source.combo1.reserve(combo1->count());
-    for (int i = 0; i < combo1->count(); ++i)
-        source.combo1 << combo1->itemText(i);
+    source.list1 = race.list1();
+    source.combo1 = race.combo1();
     source.opp2 = opp2;
     if (format >= 0)
         source.format = static_cast<TimeFormat>(format);
@@ -41,7 +34,7 @@ void FormMarvolendo::Command6_Click()
     Frame3->repaint();
 
     const exports::WriteResult result =
-        exports::exportResults(exportSource(List1, Combo1, opp2->isChecked(), checkedFormat()));
+        exports::exportResults(exportSource(race, opp2->isChecked(), checkedFormat()));
     if (!result.ok()) {
         guardadoTimer->stop();
         Frame3->hide();
@@ -56,7 +49,7 @@ void FormMarvolendo::guardarSalidas()
 {
     // The finish is already in the lists: a failure here must not stop the timekeeper.
     const exports::WriteResult result =
-        exports::saveStartTimes(exportSource(List1, Combo1, opp2->isChecked(), checkedFormat()));
+        exports::saveStartTimes(exportSource(race, opp2->isChecked(), checkedFormat()));
     if (!result.ok())
         avisar(QStringLiteral("%1. La llegada ha quedado registrada.").arg(result.message));
 }
@@ -84,7 +77,7 @@ void FormMarvolendo::carregar(const QString& cami)
     // errores, where the next format click finds it.
     const startorder::StartOrderImport import = startorder::readStartOrder(cami);
     errores = static_cast<qint16>(import.errores);
-    List2->addItems(import.lines);
+    race.apply(RaceChange::startOrder(import.lines));
 }
 
 QString FormMarvolendo::conectarLecturas()

@@ -1,5 +1,5 @@
 // Recording a finish and the results-list handlers.
-#include "app/core/basic.h"
+#include "base/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
 #include "results/core/resultline.h"
@@ -10,29 +10,8 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QSignalBlocker>
 
 using resultline::Target;
-
-namespace
-{
-
-// The last line just added becomes the list's selected line, scrolled into view. Selecting it
-// is not a click of the operator: a bib correction under way keeps the line it was opened on.
-void showLast(QListWidget* list)
-{
-    const int last = list->count() - 1;
-    const QSignalBlocker quiet(list);
-    list->setCurrentRow(last);
-    list->scrollToItem(list->item(last));
-}
-
-void showLast(QComboBox* combo)
-{
-    combo->setCurrentIndex(combo->count() - 1);
-}
-
-} // namespace
 
 void FormMarvolendo::marcar()
 {
@@ -74,16 +53,16 @@ void FormMarvolendo::Command3_Click()
     if (timesOnLabels && format >= 0)
         Label5->setText(resultline::cutTime(tempsActual, timeFormat, Target::List1));
 
+    RaceChange finish;
+    finish.hasLines = format >= 0;
     if (format >= 0) {
         // Each field is read afresh for each line, so both lists carry the same rank.
         if (opp22->isChecked()) {
             look::setPointSize(List1, 14);
-            List1->addItem(resultline::bibLine(resultline::rankField(Label2->text()),
-                                               resultline::bibField(Text1->text())));
-            showLast(List1);
-            Combo1->addItem(resultline::bibLine(resultline::rankField(Label2->text()),
-                                                resultline::bibField(Text1->text())));
-            showLast(Combo1);
+            finish.list1Line = resultline::bibLine(resultline::rankField(Label2->text()),
+                                                   resultline::bibField(Text1->text()));
+            finish.combo1Line = resultline::bibLine(resultline::rankField(Label2->text()),
+                                                    resultline::bibField(Text1->text()));
         } else {
             Label8->setText(resultline::cutDifference(Label7->text(), timeFormat, Target::Combo1));
             if (timeFormat == TimeFormat::Segundos) {
@@ -92,18 +71,22 @@ void FormMarvolendo::Command3_Click()
             } else {
                 look::setPointSize(List1, 9);
             }
-            List1->addItem(resultline::fullLine(
+            finish.list1Line = resultline::fullLine(
                 resultline::rankField(Label2->text()), resultline::bibField(Text1->text()),
                 resultline::cutTime(tempsActual, timeFormat, Target::List1),
-                resultline::cutDifference(Label7->text(), timeFormat, Target::List1)));
-            showLast(List1);
-            Combo1->addItem(resultline::comboLine(
+                resultline::cutDifference(Label7->text(), timeFormat, Target::List1));
+            finish.combo1Line = resultline::comboLine(
                 resultline::rankField(Label2->text()),
                 resultline::cutTime(tempsActual, timeFormat, Target::Combo1),
-                resultline::cutDifference(Label7->text(), timeFormat, Target::Combo1)));
-            showLast(Combo1);
+                resultline::cutDifference(Label7->text(), timeFormat, Target::Combo1));
         }
     }
+    finish.label2 = Label2->text();
+    finish.tempsPrimer = tempsPrimer;
+    finish.label4 = Label4->text();
+    finish.label5 = Label5->text();
+    finish.label8 = Label8->text();
+    race.apply(finish);
 
     Label5->setEnabled(true);
     Label8->setEnabled(true);

@@ -1,6 +1,6 @@
 #include "formfixture.h"
 
-#include "app/core/cp1252.h"
+#include "base/cp1252.h"
 
 #include <QAction>
 #include <QApplication>

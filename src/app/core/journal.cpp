@@ -1,13 +1,15 @@
 #include "journal.h"
 
-#include "basic.h"
-#include "cp1252.h"
+#include "base/basic.h"
+#include "base/cp1252.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
 #include <atomic>
+#include <limits>
+#include <optional>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -152,6 +154,49 @@ bool applySnapshot(const QList<QByteArrayView>& f, RaceRecord* r)
     return true;
 }
 
+// The change an entry describes, or none when the entry is not one.
+std::optional<RaceChange> changeOf(char kind, const QList<QByteArrayView>& f)
+{
+    using Kind = RaceChange::Kind;
+    bool ok = true;
+    const auto index = [&](qsizetype at) {
+        const qlonglong i = unescape(f[at]).toLongLong(&ok);
+        ok = ok && i >= 0 && i <= std::numeric_limits<int>::max();
+        return static_cast<int>(i);
+    };
+    RaceChange c;
+    if (kind == 'F' && f.size() == 9) {
+        c.label2 = unescape(f[1]);
+        c.hasLines = f[2] == "1";
+        c.combo1Line = unescape(f[3]);
+        c.list1Line = unescape(f[4]);
+        c.tempsPrimer = unescape(f[5]);
+        c.label4 = unescape(f[6]);
+        c.label5 = unescape(f[7]);
+        c.label8 = unescape(f[8]);
+    } else if (kind == 'B' && f.size() == 3) {
+        c = RaceChange::bib(index(1), unescape(f[2]));
+    } else if (kind == 'R' && f.size() == 2) {
+        c = RaceChange::remove(index(1));
+    } else if (kind == 'I' && f.size() == 4) {
+        c = RaceChange::insert(index(1), unescape(f[2]), unescape(f[3]));
+    } else if (kind == 'O') {
+        QStringList lines;
+        for (qsizetype i = 1; i < f.size(); ++i)
+            lines << unescape(f[i]);
+        c = RaceChange::startOrder(lines);
+    } else if (kind == 'Z' && f.size() == 1) {
+        c = RaceChange::of(Kind::StartOrderEmptied);
+    } else if (kind == 'C' && f.size() == 1) {
+        c = RaceChange::of(Kind::ResultsEmptied);
+    } else {
+        return std::nullopt;
+    }
+    if (!ok)
+        return std::nullopt;
+    return c;
+}
+
 } // namespace
 
 QByteArray encodeSnapshot(const RaceRecord& r)
@@ -177,20 +222,51 @@ QByteArray encodeSnapshot(const RaceRecord& r)
     return entry('S', f);
 }
 
-QByteArray encodeFinish(const FinishEntry& e)
+QByteArray encodeChange(const RaceChange& c)
 {
-    return entry('F', {e.label2, e.hasLines ? QStringLiteral("1") : QStringLiteral("0"),
-                       e.combo1Line, e.list1Line, e.tempsPrimer, e.label4, e.label5, e.label8});
-}
-
-QByteArray encodeCorrection(int index, const QString& line)
-{
-    return entry('B', {QString::number(index), line});
+    using Kind = RaceChange::Kind;
+    switch (c.kind) {
+    case Kind::Finish:
+        return entry('F', {c.label2, c.hasLines ? QStringLiteral("1") : QStringLiteral("0"),
+                           c.combo1Line, c.list1Line, c.tempsPrimer, c.label4, c.label5,
+                           c.label8});
+    case Kind::Bib:
+        return entry('B', {QString::number(c.index), c.list1Line});
+    case Kind::Remove:
+        return entry('R', {QString::number(c.index)});
+    case Kind::Insert:
+        return entry('I', {QString::number(c.index), c.combo1Line, c.list1Line});
+    case Kind::StartOrder:
+        return entry('O', c.lines);
+    case Kind::StartOrderEmptied:
+        return entry('Z', {});
+    case Kind::ResultsEmptied:
+        return entry('C', {});
+    }
+    return {};
 }
 
 QByteArray encodeClean()
 {
     return entry('E', {});
+}
+
+bool applyChange(RaceRecord& r, const RaceChange& c)
+{
+    RaceState& s = r.state;
+    RaceLines lines{std::move(s.combo1), std::move(s.list1), std::move(s.list2)};
+    const bool applied = ::applyChange(lines, c);
+    s.combo1 = std::move(lines.combo1);
+    s.list1 = std::move(lines.list1);
+    s.list2 = std::move(lines.list2);
+    if (c.kind == RaceChange::Kind::Finish) {
+        r.label2 = c.label2;
+        s.tempsPrimer = c.tempsPrimer;
+        r.label4 = c.label4;
+        s.label5 = c.label5;
+        s.label8 = c.label8;
+    }
+    return applied;
 }
 
 Contents decode(QByteArrayView bytes)
@@ -223,27 +299,15 @@ Contents decode(QByteArrayView bytes)
         }
         if (!c.valid)
             break;
-        RaceRecord& r = c.record;
-        if (kind == 'F' && f.size() == 9) {
-            r.label2 = unescape(f[1]);
-            if (f[2] == "1") {
-                r.state.combo1 << unescape(f[3]);
-                r.state.list1 << unescape(f[4]);
-            }
-            r.state.tempsPrimer = unescape(f[5]);
-            r.label4 = unescape(f[6]);
-            r.state.label5 = unescape(f[7]);
-            r.state.label8 = unescape(f[8]);
-        } else if (kind == 'B' && f.size() == 3) {
-            const qsizetype index = unescape(f[1]).toLongLong(&ok);
-            if (ok && index >= 0 && index < r.state.list1.size())
-                r.state.list1[index] = unescape(f[2]);
-        } else if (kind == 'E' && f.size() == 1) {
+        if (kind == 'E' && f.size() == 1) {
             c.clean = true;
             continue;
-        } else {
-            break;
         }
+        const std::optional<RaceChange> change = changeOf(kind, f);
+        if (!change)
+            break;
+        // A change that does not fit the lines (a line past the end) is left out.
+        applyChange(c.record, *change);
         ++c.changes;
         c.clean = false;
     }

@@ -1,11 +1,12 @@
 // The finish journal MARVO.jrn. The state file is only rewritten at a few moments (Start, the
 // first finish, a clear, the save button), so every change of the race record is also appended
 // here the moment it happens: a killed program loses nothing, and a power cut at most the last
-// half second. A journal opens with a full snapshot of the race; each later entry is a finish,
-// a bib correction or a new snapshot (after a clear, an import, Start, Stop...). A normal end
-// closes it with a clean mark.
+// half second. A journal opens with a full snapshot of the race; each later entry is one change
+// of the race record's lines (a finish, a bib, a removal...) or a new snapshot (after Start,
+// Stop, a clear, a format or mode change...). A normal end closes it with a clean mark.
 #pragma once
 
+#include "race.h"
 #include "racestate.h"
 
 #include <QByteArray>
@@ -22,28 +23,17 @@ struct RaceRecord {
     QString label4; // the first finisher's time
 };
 
-// One finish: the new rank, the lines it added (none when no format was checked) and the
-// labels it set.
-struct FinishEntry {
-    QString label2;
-    bool hasLines = false;
-    QString combo1Line;
-    QString list1Line;
-    QString tempsPrimer;
-    QString label4;
-    QString label5;
-    QString label8;
-};
-
 namespace journal
 {
 
 inline constexpr char fileName[] = "MARVO.jrn";
 
 QByteArray encodeSnapshot(const RaceRecord& record);
-QByteArray encodeFinish(const FinishEntry& finish);
-QByteArray encodeCorrection(int index, const QString& line);
+QByteArray encodeChange(const RaceChange& change);
 QByteArray encodeClean();
+
+// The change replayed on a journaled race: its lines, and the captions a finish sets.
+bool applyChange(RaceRecord& record, const RaceChange& change);
 
 // What a journal holds. An entry cut off by a crash, or damaged, ends the reading: everything
 // before it is kept.

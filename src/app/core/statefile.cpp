@@ -1,8 +1,8 @@
 #include "statefile.h"
 
-#include "basic.h"
-#include "cp1252.h"
-#include "savefile.h"
+#include "base/basic.h"
+#include "base/cp1252.h"
+#include "base/savefile.h"
 
 #include <QFile>
 

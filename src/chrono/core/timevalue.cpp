@@ -1,6 +1,6 @@
 #include "timevalue.h"
 
-#include "app/core/basic.h"
+#include "base/basic.h"
 
 #include <cmath>
 

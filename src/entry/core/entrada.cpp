@@ -1,7 +1,7 @@
 #include "entrada.h"
 
-#include "app/core/basic.h"
-#include "app/core/cp1252.h"
+#include "base/basic.h"
+#include "base/cp1252.h"
 
 namespace
 {

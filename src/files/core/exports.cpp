@@ -1,9 +1,9 @@
 #include "exports.h"
 
-#include "app/core/basic.h"
-#include "app/core/cp1252.h"
-#include "app/core/paths.h"
-#include "app/core/savefile.h"
+#include "base/basic.h"
+#include "base/cp1252.h"
+#include "base/paths.h"
+#include "base/savefile.h"
 
 #include <QDir>
 

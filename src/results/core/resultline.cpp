@@ -1,6 +1,6 @@
 #include "resultline.h"
 
-#include "app/core/basic.h"
+#include "base/basic.h"
 
 #include <QStringBuilder>
 

@@ -32,9 +32,9 @@ RaceRecord startRecord()
     return r;
 }
 
-FinishEntry finish(int rank, bool lines = true)
+RaceChange finish(int rank, bool lines = true)
 {
-    FinishEntry e;
+    RaceChange e;
     e.label2 = QString::number(rank);
     e.hasLines = lines;
     e.combo1Line = QStringLiteral("%1- 00:0%2:00 - 0:00:00").arg(rank, 4).arg(rank);
@@ -51,15 +51,20 @@ FinishEntry finish(int rank, bool lines = true)
 void JournalTest::replaysEveryKindOfEntry()
 {
     QByteArray bytes = journal::encodeSnapshot(startRecord());
-    bytes += journal::encodeFinish(finish(1));
-    bytes += journal::encodeFinish(finish(2));
-    bytes += journal::encodeFinish(finish(3, false)); // no format checked: rank only
-    bytes += journal::encodeCorrection(1, QStringLiteral("   2-  57- 00:02:00 - 0:00:00"));
-    bytes += journal::encodeCorrection(9, QStringLiteral("out of the list is ignored"));
+    bytes += journal::encodeChange(finish(1));
+    bytes += journal::encodeChange(finish(2));
+    bytes += journal::encodeChange(finish(3, false)); // no format checked: rank only
+    bytes += journal::encodeChange(RaceChange::bib(1, QStringLiteral("   2-  57- 00:02:00 - 0:00:00")));
+    bytes += journal::encodeChange(RaceChange::bib(9, QStringLiteral("out of the list is ignored")));
+    // A finish inserted before the first and then removed again: the ranks go and come back.
+    bytes += journal::encodeChange(RaceChange::insert(0, QStringLiteral("   1- x"), QStringLiteral("   1-   8- x")));
+    bytes += journal::encodeChange(RaceChange::remove(0));
+    bytes += journal::encodeChange(RaceChange::of(RaceChange::Kind::StartOrderEmptied));
+    bytes += journal::encodeChange(RaceChange::startOrder({QStringLiteral("a\tb"), QString()}));
     const journal::Contents c = journal::decode(bytes);
     QVERIFY(c.valid);
     QVERIFY(!c.clean);
-    QCOMPARE(c.changes, 5);
+    QCOMPARE(c.changes, 9);
     const RaceState& s = c.record.state;
     QCOMPARE(s.inicio, 36000.123456); // exact, unlike the state file's scaled integers
     QCOMPARE(s.desfase, 1.0 / 60);
@@ -70,7 +75,9 @@ void JournalTest::replaysEveryKindOfEntry()
              (QStringList{"   1-   0- 00:01:00 - 0:00:00", "   2-  57- 00:02:00 - 0:00:00"}));
     QCOMPARE(s.combo1.size(), 2);
     QCOMPARE(s.label5, QStringLiteral("00:03:00"));
-    QCOMPARE(s.list2, startRecord().state.list2);
+    QCOMPARE(s.list2, (QStringList{"a\tb", ""}));
+    bytes += journal::encodeChange(RaceChange::of(RaceChange::Kind::ResultsEmptied));
+    QVERIFY(journal::decode(bytes).record.state.list1.isEmpty());
     // A later snapshot replaces everything, and text with tabs, line ends and accents survives.
     RaceRecord odd = startRecord();
     odd.state.list1 = {QStringLiteral("a\tb\\c\r\nñ")};
@@ -78,14 +85,14 @@ void JournalTest::replaysEveryKindOfEntry()
     bytes += journal::encodeSnapshot(odd);
     const journal::Contents d = journal::decode(bytes);
     QCOMPARE(d.record.state, odd.state);
-    QCOMPARE(d.changes, 6);
+    QCOMPARE(d.changes, 11);
 }
 
 void JournalTest::cutAnywhereKeepsWhatPrecedes()
 {
     QList<QByteArray> entries{journal::encodeSnapshot(startRecord())};
     for (int rank = 1; rank <= 4; ++rank)
-        entries << journal::encodeFinish(finish(rank));
+        entries << journal::encodeChange(finish(rank));
     QByteArray all;
     QList<qsizetype> ends;
     for (const QByteArray& e : entries) {
@@ -105,16 +112,16 @@ void JournalTest::cutAnywhereKeepsWhatPrecedes()
 void JournalTest::damagedEntriesAndTheCleanMark()
 {
     const QByteArray start = journal::encodeSnapshot(startRecord());
-    QByteArray bad = journal::encodeFinish(finish(1));
+    QByteArray bad = journal::encodeChange(finish(1));
     bad[5] = 'X';
-    QCOMPARE(journal::decode(start + bad + journal::encodeFinish(finish(2))).changes, 0);
+    QCOMPARE(journal::decode(start + bad + journal::encodeChange(finish(2))).changes, 0);
     // A journal that does not begin with a snapshot holds nothing.
-    QVERIFY(!journal::decode(journal::encodeFinish(finish(1))).valid);
+    QVERIFY(!journal::decode(journal::encodeChange(finish(1))).valid);
     QVERIFY(!journal::decode("garbage\r\n\x01\x02\r\n").valid);
     // The clean mark counts only as the last entry.
     QVERIFY(journal::decode(start + journal::encodeClean()).clean);
     QVERIFY(
-        !journal::decode(start + journal::encodeClean() + journal::encodeFinish(finish(1))).clean);
+        !journal::decode(start + journal::encodeClean() + journal::encodeChange(finish(1))).clean);
 }
 
 void JournalTest::writerAppendsAndMarksClean()
@@ -124,14 +131,14 @@ void JournalTest::writerAppendsAndMarksClean()
     {
         Journal j;
         QVERIFY(j.start(path, startRecord()));
-        QVERIFY(j.append(journal::encodeFinish(finish(1))));
+        QVERIFY(j.append(journal::encodeChange(finish(1))));
         // Already in the file, before any sync or close: a killed program keeps it.
         const journal::Contents c = journal::read(path);
         QCOMPARE(c.record.state.list1.size(), 1);
         QVERIFY(!c.clean);
         j.markClean();
         QVERIFY(!j.isOpen());
-        QVERIFY(!j.append(journal::encodeFinish(finish(2))));
+        QVERIFY(!j.append(journal::encodeChange(finish(2))));
     }
     QVERIFY(journal::read(path).clean);
     // Starting again begins a new journal.

@@ -1,5 +1,5 @@
-#include "app/core/cp1252.h"
-#include "app/core/paths.h"
+#include "base/cp1252.h"
+#include "base/paths.h"
 #include "app/core/statefile.h"
 
 #include <QDir>

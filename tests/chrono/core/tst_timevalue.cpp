@@ -1,4 +1,4 @@
-#include "app/core/basic.h"
+#include "base/basic.h"
 #include "chrono/core/timevalue.h"
 
 #include <QtTest>

@@ -1,6 +1,6 @@
 #include "files/core/exports.h"
 
-#include "app/core/paths.h"
+#include "base/paths.h"
 
 #include <QDir>
 #include <QFile>
