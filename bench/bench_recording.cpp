@@ -1,10 +1,10 @@
 // Recording a finish and correcting a bib in the real window, with 10,000 lines already in the
 // results list. Prints the median and the worst of many runs of each, the handler alone and
 // the handler with the redraw it causes.
-#include "base/basic.h"
 #include "app/core/statefile.h"
 #include "app/dialogs.h"
 #include "app/formmarvolendo.h"
+#include "base/basic.h"
 #include "benchutil.h"
 #include "chrono/core/clock.h"
 

@@ -2,7 +2,7 @@
 # missing, then configures and builds the program in build/.
 packages=(build-essential cmake ninja-build pkg-config qt6-base-dev qt6-base-dev-tools libgl-dev
           unixodbc-dev odbc-mdbtools fonts-liberation fonts-dejavu-core
-          xvfb xauth xdotool x11-utils clang libclang-rt-14-dev)
+          xvfb xauth xdotool x11-utils clang clang-format libclang-rt-14-dev)
 
 missing=()
 for p in "${packages[@]}"; do
@@ -15,7 +15,7 @@ if [ ${#missing[@]} -gt 0 ]; then
         apt-get update -qq
         apt-get install -y -qq --no-install-recommends "${missing[@]}"
     else
-        echo "Faltan paquetes. Instalalos con:"
+        echo "Faltan paquetes. Instálalos con:"
         echo "  sudo apt-get install -y ${missing[*]}"
         exit 1
     fi

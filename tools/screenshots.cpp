@@ -4,10 +4,10 @@
 // ventana-compacta.png into the folder. Each window is the real one, opened on a race written
 // beforehand into a temporary folder, with a clock that stands still; run it with
 // QT_QPA_PLATFORM=offscreen to need no display.
-#include "base/basic.h"
 #include "app/core/statefile.h"
 #include "app/dialogs.h"
 #include "app/formmarvolendo.h"
+#include "base/basic.h"
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
 #include "results/core/resultline.h"

@@ -1,9 +1,9 @@
 // Clearing a race and the compact window.
-#include "base/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
+#include "base/basic.h"
 
 #include <QAction>
 #include <QComboBox>

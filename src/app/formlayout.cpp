@@ -1,7 +1,7 @@
 // Building the window: every control with its name, caption, font, colour and place.
 #include "app/artwork.h"
-#include "app/layouts.h"
 #include "app/formmarvolendo.h"
+#include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
 #include "files/adodatacontrol.h"
@@ -104,7 +104,7 @@ void FormMarvolendo::buildControls()
     Label18 =
         label(area, QStringLiteral("Label18"), QString(), sansFont(12, true), Qt::AlignCenter);
     look::place(Label18, 2760, 0, 555, 405);
-    Label18->setToolTip(QStringLiteral("Cuenta atras hasta la salida seleccionada"));
+    Label18->setToolTip(QStringLiteral("Cuenta atrás hasta la salida seleccionada"));
     Command6 =
         pictureButton(area, QStringLiteral("Command6"), artwork::exportIcon(), texts::tipOneFile);
     Command5 = pictureButton(area, QStringLiteral("Command5"), artwork::saveAndEndIcon(),
@@ -205,7 +205,7 @@ void FormMarvolendo::buildControls()
     Text2->setFont(sansFont(13.5));
     Text2->setAlignment(Qt::AlignCenter);
     Text2->setEnabled(false);
-    Text2->setToolTip(QStringLiteral("Dorsal corregido; Intro lo escribe en la linea"));
+    Text2->setToolTip(QStringLiteral("Dorsal corregido; Intro lo escribe en la línea"));
     // As drawn, the window is the wide one with the results list; the copy of the line under
     // correction is never shown.
     Label14->setVisible(false);

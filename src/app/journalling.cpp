@@ -42,8 +42,8 @@ void FormMarvolendo::offerRecovery()
         return; // the state file already holds everything
 
     const QString text =
-        QStringLiteral("El programa no termino normalmente. El diario de la carrera guarda %1 "
-                       "cambios que no estan en MARVO.dat (%2 llegadas en la lista).\n\n"
+        QStringLiteral("El programa no terminó normalmente. El diario de la carrera guarda %1 "
+                       "cambios que no están en MARVO.dat (%2 llegadas en la lista).\n\n"
                        "¿Recuperar la carrera tal como estaba?")
             .arg(contents.changes)
             .arg(rec.state.list1.size());
@@ -86,7 +86,7 @@ void FormMarvolendo::startJournal()
     }
     if (!journal.start(journalPath(carpeta), currentRecord()))
         avisar(QStringLiteral("No se puede escribir el diario de la carrera %1 (%2): tras un "
-                              "fallo solo se recuperaria lo guardado en MARVO.dat.")
+                              "fallo solo se recuperaría lo guardado en MARVO.dat.")
                    .arg(journalPath(carpeta), journal.error()));
 }
 

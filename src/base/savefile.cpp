@@ -22,7 +22,7 @@ QString reason(const QFileDevice& file, const QString& path)
     if (!QFileInfo(QFileInfo(path).absolutePath()).isDir())
         return QStringLiteral("la carpeta %1 no existe").arg(QFileInfo(path).absolutePath());
     if (text.contains(QLatin1String("No space"), Qt::CaseInsensitive))
-        return QStringLiteral("el disco esta lleno");
+        return QStringLiteral("el disco está lleno");
     if (text.contains(QLatin1String("Permission"), Qt::CaseInsensitive) ||
         text.contains(QLatin1String("Read-only"), Qt::CaseInsensitive))
         return QStringLiteral("no hay permiso de escritura");
@@ -60,7 +60,7 @@ QString write(const QString& path, const QByteArray& bytes, FolderSync sync)
     if (written != bytes.size() || !file.flush()) {
         const QString why =
             written >= 0 && written < bytes.size() && file.error() == QFileDevice::NoError
-                ? QStringLiteral("el disco esta lleno")
+                ? QStringLiteral("el disco está lleno")
                 : reason(file, path);
         file.cancelWriting();
         return why;

@@ -1,8 +1,8 @@
 // Run control: Start and Stop, moving the stopped clock, the clock tick and the time of day.
-#include "base/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
 #include "app/texts.h"
+#include "base/basic.h"
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
 

@@ -1,10 +1,10 @@
 // The bib fields: Text1 takes the bib of the runner crossing the line, Text2 the corrected bib
 // of the List1 line copied into Label14.
-#include "base/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
-#include "entry/core/entrada.h"
 #include "app/racecommand.h"
+#include "base/basic.h"
+#include "entry/core/entrada.h"
 #include "results/core/resultline.h"
 
 #include <QLabel>
@@ -118,12 +118,12 @@ void FormMarvolendo::rewriteCorrectedLine()
     // k + 1. A line that cannot be placed leaves the list, Label14 and Text2 as they are.
     const std::optional<QString> line = resultline::rewriteBib(Label14->text(), Text2->text());
     if (!line) {
-        avisar(QStringLiteral("No se puede corregir: no hay ninguna linea de la lista elegida"));
+        avisar(QStringLiteral("No se puede corregir: no hay ninguna línea de la lista elegida"));
         return;
     }
     const int index = resultline::lineIndexOfRank(*line);
     if (index < 0 || index >= race.list1().size()) {
-        avisar(QStringLiteral("No se puede corregir: la linea %1 no esta en la lista")
+        avisar(QStringLiteral("No se puede corregir: la línea %1 no está en la lista")
                    .arg(basic::left(*line, 4).trimmed()));
         return;
     }

@@ -1,6 +1,6 @@
 // Results files, start-order import and the readings database link.
-#include "base/paths.h"
 #include "app/formmarvolendo.h"
+#include "base/paths.h"
 #include "files/core/exports.h"
 #include "files/core/startorder.h"
 #include "files/odbc/readingslink.h"

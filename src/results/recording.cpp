@@ -1,7 +1,7 @@
 // Recording a finish and the results-list handlers.
-#include "base/basic.h"
 #include "app/formmarvolendo.h"
 #include "app/look.h"
+#include "base/basic.h"
 #include "results/core/resultline.h"
 
 #include <QAction>

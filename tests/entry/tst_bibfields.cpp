@@ -64,8 +64,8 @@ void TstBibFields::typing_data()
         QTest::newRow(name) << lines << line << QString(typed) << after << notice;
     };
     const QStringList three{line1, line2, line3};
-    const QString notThere = "No se puede corregir: la linea %1 no esta en la lista";
-    const QString noLine = "No se puede corregir: no hay ninguna linea de la lista elegida";
+    const QString notThere = "No se puede corregir: la línea %1 no está en la lista";
+    const QString noLine = "No se puede corregir: no hay ninguna línea de la lista elegida";
 
     row("finish, empty field", {}, -1, "\n", {"   1-   0- 00:00:30 - 0:00:00"});
     // Letters and a second point swallowed, a minus passes, the field takes 4 characters.

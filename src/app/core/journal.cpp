@@ -8,11 +8,11 @@
 #include <QStringList>
 
 #include <atomic>
-#include <limits>
-#include <optional>
 #include <chrono>
 #include <condition_variable>
+#include <limits>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #ifdef Q_OS_UNIX
@@ -228,8 +228,7 @@ QByteArray encodeChange(const RaceChange& c)
     switch (c.kind) {
     case Kind::Finish:
         return entry('F', {c.label2, c.hasLines ? QStringLiteral("1") : QStringLiteral("0"),
-                           c.combo1Line, c.list1Line, c.tempsPrimer, c.label4, c.label5,
-                           c.label8});
+                           c.combo1Line, c.list1Line, c.tempsPrimer, c.label4, c.label5, c.label8});
     case Kind::Bib:
         return entry('B', {QString::number(c.index), c.list1Line});
     case Kind::Remove:

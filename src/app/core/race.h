@@ -39,6 +39,8 @@ struct RaceChange {
     static RaceChange of(Kind kind);
 };
 
+Q_DECLARE_METATYPE(RaceChange)
+
 struct RaceLines {
     QStringList combo1;
     QStringList list1;

@@ -215,7 +215,7 @@ bool isDriverMissing(const QString& states, const QString& detail)
 
 QString missingDriverText(const QString& driver)
 {
-    return QStringLiteral("No esta instalado el controlador ODBC de Access (%1)").arg(driver);
+    return QStringLiteral("No está instalado el controlador ODBC de Access (%1)").arg(driver);
 }
 
 // Reads one value whole, in as many parts as the driver gives it.
@@ -369,7 +369,7 @@ bool ReadingsLink::isOpen() const
 namespace
 {
 
-const QString notOpenText = QStringLiteral("La base de datos de lecturas no esta abierta");
+const QString notOpenText = QStringLiteral("La base de datos de lecturas no está abierta");
 
 // A statement with the query time-out set.
 bool prepareStatement(Statement& stmt, SQLHDBC dbc)
@@ -413,7 +413,7 @@ Tables ReadingsLink::tables()
 
 Rows ReadingsLink::select(const QString& sql)
 {
-    const QString failed = QStringLiteral("Fallo la consulta a la base de datos de lecturas");
+    const QString failed = QStringLiteral("Falló la consulta a la base de datos de lecturas");
     if (!isOpen())
         return {{}, {}, notOpenText};
     Statement stmt;

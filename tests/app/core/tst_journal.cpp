@@ -54,10 +54,13 @@ void JournalTest::replaysEveryKindOfEntry()
     bytes += journal::encodeChange(finish(1));
     bytes += journal::encodeChange(finish(2));
     bytes += journal::encodeChange(finish(3, false)); // no format checked: rank only
-    bytes += journal::encodeChange(RaceChange::bib(1, QStringLiteral("   2-  57- 00:02:00 - 0:00:00")));
-    bytes += journal::encodeChange(RaceChange::bib(9, QStringLiteral("out of the list is ignored")));
+    bytes +=
+        journal::encodeChange(RaceChange::bib(1, QStringLiteral("   2-  57- 00:02:00 - 0:00:00")));
+    bytes +=
+        journal::encodeChange(RaceChange::bib(9, QStringLiteral("out of the list is ignored")));
     // A finish inserted before the first and then removed again: the ranks go and come back.
-    bytes += journal::encodeChange(RaceChange::insert(0, QStringLiteral("   1- x"), QStringLiteral("   1-   8- x")));
+    bytes += journal::encodeChange(
+        RaceChange::insert(0, QStringLiteral("   1- x"), QStringLiteral("   1-   8- x")));
     bytes += journal::encodeChange(RaceChange::remove(0));
     bytes += journal::encodeChange(RaceChange::of(RaceChange::Kind::StartOrderEmptied));
     bytes += journal::encodeChange(RaceChange::startOrder({QStringLiteral("a\tb"), QString()}));

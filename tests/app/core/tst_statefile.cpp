@@ -1,6 +1,6 @@
+#include "app/core/statefile.h"
 #include "base/cp1252.h"
 #include "base/paths.h"
-#include "app/core/statefile.h"
 
 #include <QDir>
 #include <QFile>

@@ -45,7 +45,7 @@ private slots:
 
         // A failed query says so and leaves the link usable.
         const auto failed = link.select("SELECT IDCol FROM Lecturas");
-        QVERIFY2(failed.error.startsWith("Fallo la consulta a la base de datos de lecturas"),
+        QVERIFY2(failed.error.startsWith("Falló la consulta a la base de datos de lecturas"),
                  qPrintable(failed.error));
         QCOMPARE(link.select("SELECT * FROM DateTest").rows.size(), 6);
     }
@@ -82,7 +82,7 @@ private slots:
         expected.replace("%1", QDir::toNativeSeparators(file.fileName()));
         QVERIFY2(error.startsWith(expected), qPrintable(error));
         QCOMPARE(link.tables().error,
-                 QStringLiteral("La base de datos de lecturas no esta abierta"));
+                 QStringLiteral("La base de datos de lecturas no está abierta"));
     }
 };
 
