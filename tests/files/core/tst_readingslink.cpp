@@ -62,7 +62,7 @@ private slots:
         // The driver is loaded before the file is read.
         QTest::newRow("missing driver")
             << QByteArray() << "Controlador Inexistente"
-            << "No esta instalado el controlador ODBC de Access (Controlador Inexistente)";
+            << "No está instalado el controlador ODBC de Access (Controlador Inexistente)";
     }
 
     void openFailure()
