@@ -39,7 +39,7 @@ const QString line3 = QStringLiteral("   3-   0- 00:12:34 - 0:00:05");
 
 } // namespace
 
-class TstBibFields : public QObject
+class BibFieldsTest : public QObject
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private slots:
 // Keys typed into a bib field of a running race, then Enter ("\n") or else a double-click on the
 // field. Row -1: Text1 records a finish (-2: after a click on the List2 line that puts its bib
 // there); otherwise Text2 corrects that line of List1.
-void TstBibFields::typing_data()
+void BibFieldsTest::typing_data()
 {
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<int>("row");
@@ -83,7 +83,7 @@ void TstBibFields::typing_data()
     row("double-click on an empty list", {}, 0, "7\n", {}, noLine);
 }
 
-void TstBibFields::typing()
+void BibFieldsTest::typing()
 {
     QFETCH(QStringList, lines);
     QFETCH(int, row);
@@ -116,7 +116,7 @@ void TstBibFields::typing()
     QCOMPARE((QStringList{f.label("Label4")->text(), f.label("Label5")->text()}), labels);
 }
 
-void TstBibFields::finishDuringCorrectionKeepsTheChosenLine()
+void BibFieldsTest::finishDuringCorrectionKeepsTheChosenLine()
 {
     // A runner crosses while the timekeeper types a corrected bib: F1 records the finish and
     // the correction still lands on the line that was double-clicked.
@@ -134,5 +134,5 @@ void TstBibFields::finishDuringCorrectionKeepsTheChosenLine()
     QVERIFY(f.lines(QStringLiteral("List1")).value(3).startsWith(QStringLiteral("   4-   0-")));
 }
 
-QTEST_MAIN(TstBibFields)
+QTEST_MAIN(BibFieldsTest)
 #include "tst_bibfields.moc"

@@ -40,7 +40,7 @@ static QByteArray record(qint16 bib, const char* startTime)
     return QByteArray(reinterpret_cast<const char*>(&le), 2) + QByteArray(89, ' ') + startTime;
 }
 
-class TstRaceFiles : public QObject
+class RaceFilesTest : public QObject
 {
     Q_OBJECT
 
@@ -163,5 +163,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TstRaceFiles)
+QTEST_MAIN(RaceFilesTest)
 #include "tst_racefiles.moc"

@@ -28,7 +28,7 @@ void openWithFormat(FormFixture& f, int format, bool bibsOnly)
 
 } // namespace
 
-class TstRecording : public QObject
+class RecordingTest : public QObject
 {
     Q_OBJECT
 
@@ -37,7 +37,7 @@ private slots:
     void wholeRace();
 };
 
-void TstRecording::wholeRace_data()
+void RecordingTest::wholeRace_data()
 {
     QTest::addColumn<int>("format");
     QTest::addColumn<bool>("bibsOnly");
@@ -68,7 +68,7 @@ void TstRecording::wholeRace_data()
          "00:00:14", "0:00:00:000", "14", "10"});
 }
 
-void TstRecording::wholeRace()
+void RecordingTest::wholeRace()
 {
     QFETCH(int, format);
     QFETCH(bool, bibsOnly);
@@ -121,5 +121,5 @@ void TstRecording::wholeRace()
     QVERIFY(f.dialogs.shown.isEmpty());
 }
 
-QTEST_MAIN(TstRecording)
+QTEST_MAIN(RecordingTest)
 #include "tst_recording.moc"

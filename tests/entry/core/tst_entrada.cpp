@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-class TstEntrada : public QObject
+class EntradaTest : public QObject
 {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ private slots:
 // Keys are Windows-1252 codes typed one by one, with a fresh counter, into a field of the kind
 // bounded by 1 and 9999. "kept" is the text the field ends with when it applies what the filter
 // lets through: Backspace takes the last character away, an accepted Enter is kept as "\r".
-void TstEntrada::keys_data()
+void EntradaTest::keys_data()
 {
     QTest::addColumn<int>("tipo");
     QTest::addColumn<QByteArray>("keys");
@@ -56,7 +56,7 @@ void TstEntrada::keys_data()
     row("12 every key", 12, "99999\r\xDF-", "99999\r\xDF-");
 }
 
-void TstEntrada::keys()
+void EntradaTest::keys()
 {
     QFETCH(int, tipo);
     QFETCH(QByteArray, keys);
@@ -83,5 +83,5 @@ void TstEntrada::keys()
     QCOMPARE(state.espacios, espacios);
 }
 
-QTEST_APPLESS_MAIN(TstEntrada)
+QTEST_APPLESS_MAIN(EntradaTest)
 #include "tst_entrada.moc"

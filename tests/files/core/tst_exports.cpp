@@ -36,7 +36,7 @@ QList<QByteArray> files()
 
 } // namespace
 
-class TestExports : public QObject
+class ExportsTest : public QObject
 {
     Q_OBJECT
 
@@ -115,5 +115,5 @@ private:
     QTemporaryDir drive;
 };
 
-QTEST_APPLESS_MAIN(TestExports)
+QTEST_APPLESS_MAIN(ExportsTest)
 #include "tst_exports.moc"

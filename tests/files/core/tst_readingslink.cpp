@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-class TestReadingsLink : public QObject
+class ReadingsLinkTest : public QObject
 {
     Q_OBJECT
 
@@ -86,5 +86,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TestReadingsLink)
+QTEST_APPLESS_MAIN(ReadingsLinkTest)
 #include "tst_readingslink.moc"

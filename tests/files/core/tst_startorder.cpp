@@ -27,7 +27,7 @@ class ShrunkFile : public QBuffer
 
 } // namespace
 
-class TestStartOrder : public QObject
+class StartOrderTest : public QObject
 {
     Q_OBJECT
 
@@ -101,5 +101,5 @@ private:
     QTemporaryDir dir;
 };
 
-QTEST_APPLESS_MAIN(TestStartOrder)
+QTEST_APPLESS_MAIN(StartOrderTest)
 #include "tst_startorder.moc"

@@ -6,7 +6,7 @@ using namespace resultline;
 
 Q_DECLARE_METATYPE(TimeFormat)
 
-class TstResultLine : public QObject
+class ResultLineTest : public QObject
 {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ private slots:
 // The lines of a Lap from the caption of Label2, the text of Text1, the running time and the
 // caption of Label7: the List1 line and the Combo1 line, and the bibs-only line as the first 9
 // characters of the List1 line.
-void TstResultLine::lapLines_data()
+void ResultLineTest::lapLines_data()
 {
     QTest::addColumn<TimeFormat>("format");
     QTest::addColumn<QStringList>("in");
@@ -41,7 +41,7 @@ void TstResultLine::lapLines_data()
         {"   0- 1.5- 00:00:01:2399 - 0:00:00:0011", "   0- 00:00:01:239 - 0:00:00:001"});
 }
 
-void TstResultLine::lapLines()
+void ResultLineTest::lapLines()
 {
     QFETCH(TimeFormat, format);
     QFETCH(QStringList, in);
@@ -56,7 +56,7 @@ void TstResultLine::lapLines()
 
 // A line taken apart by character position: the List1 index named by the rank in 1-4 (-1 for
 // none), the bib in 6-9 as a click on a List2 line reads it, and the line with a typed bib.
-void TstResultLine::byPosition_data()
+void ResultLineTest::byPosition_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<int>("index");
@@ -80,7 +80,7 @@ void TstResultLine::byPosition_data()
     row("characters 1-4, 6-9", "  123  4112345", 11, "41", "7", "  123   712345");
 }
 
-void TstResultLine::byPosition()
+void ResultLineTest::byPosition()
 {
     QFETCH(QString, line);
     QFETCH(int, index);
@@ -95,5 +95,5 @@ void TstResultLine::byPosition()
     QCOMPARE(result.value_or(QString()), rewritten);
 }
 
-QTEST_APPLESS_MAIN(TstResultLine)
+QTEST_APPLESS_MAIN(ResultLineTest)
 #include "tst_resultline.moc"
