@@ -37,6 +37,7 @@ class StepClock final : public Clock
 public:
     double seconds = 9 * 3600.0;
     double timer() const override { return seconds; }
+    double monotonic() const override { return seconds; }
     QTime timeOfDay() const override
     {
         return QTime::fromMSecsSinceStartOfDay(static_cast<int>(seconds * 1000.0) % 86400000);
@@ -52,6 +53,7 @@ public:
     void warn(QWidget*, const QString&, const QString&) override { ++shown; }
     int ask(QWidget*, const QString&, const QString&) override { return ++shown, No; }
     QString openFile(QWidget*, const FileRequest&) override { return ++shown, QString(); }
+    QString askText(QWidget*, const QString&, const QString&) override { return ++shown, QString(); }
 };
 
 // Times work(); withRedraw also counts the events it leaves pending (the redraw).

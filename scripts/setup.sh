@@ -1,6 +1,6 @@
 # Sourced by run.sh and test.sh: installs the Debian packages the project needs when they are
 # missing, then configures and builds the program in build/.
-packages=(build-essential cmake ninja-build pkg-config qt6-base-dev qt6-base-dev-tools libgl-dev
+packages=(build-essential cmake ninja-build pkg-config qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev libgl-dev
           unixodbc-dev odbc-mdbtools fonts-liberation fonts-dejavu-core
           xvfb xauth xdotool x11-utils clang clang-format libclang-rt-14-dev)
 

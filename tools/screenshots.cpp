@@ -33,6 +33,7 @@ class StillClock final : public Clock
 public:
     double seconds = 0;
     double timer() const override { return seconds; }
+    double monotonic() const override { return seconds; }
     QTime timeOfDay() const override
     {
         return QTime::fromMSecsSinceStartOfDay(static_cast<int>(seconds * 1000.0 + 0.5));
@@ -54,6 +55,7 @@ public:
     {
         std::fprintf(stderr, "  aviso \"%s\": %s\n", qPrintable(title), qPrintable(text));
     }
+    QString askText(QWidget*, const QString&, const QString&) override { return {}; }
     int ask(QWidget*, const QString& title, const QString& text) override
     {
         std::fprintf(stderr, "  pregunta \"%s\": %s -> Si\n", qPrintable(title), qPrintable(text));

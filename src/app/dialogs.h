@@ -29,6 +29,8 @@ public:
     virtual int ask(QWidget* parent, const QString& title, const QString& text) = 0;
     // The chosen file, or an empty text when the operator cancels.
     virtual QString openFile(QWidget* parent, const FileRequest& request) = 0;
+    // A line of text typed by the operator, or an empty text when the operator cancels.
+    virtual QString askText(QWidget* parent, const QString& title, const QString& label) = 0;
 };
 
 class QtDialogs final : public Dialogs
@@ -38,4 +40,5 @@ public:
     void warn(QWidget* parent, const QString& title, const QString& text) override;
     int ask(QWidget* parent, const QString& title, const QString& text) override;
     QString openFile(QWidget* parent, const FileRequest& request) override;
+    QString askText(QWidget* parent, const QString& title, const QString& label) override;
 };

@@ -16,6 +16,7 @@
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSettings>
 #include <QShortcut>
 #include <QTimer>
 
@@ -302,6 +303,44 @@ void FormMarvolendo::buildMenus()
     opp4->setCheckable(true);
     hhora = menuBar()->addAction(QStringLiteral("hora"));
     hhora->setObjectName(QStringLiteral("hhora"));
+}
+
+// What the program adds to the old window: the menu "Carrera" after "Opciones", and the
+// options at the end of "Opciones".
+void FormMarvolendo::buildRaceMenu()
+{
+    QSettings settings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"));
+    op1->addSeparator();
+    pitidos = op1->addAction(QStringLiteral("Pitidos de salida"));
+    pitidos->setObjectName(QStringLiteral("pitidos"));
+    pitidos->setCheckable(true);
+    pitidos->setChecked(settings.value(QStringLiteral("pitidosSalida"), true).toBool());
+    connect(pitidos, &QAction::toggled, this, [](bool on) {
+        QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"))
+            .setValue(QStringLiteral("pitidosSalida"), on);
+    });
+
+    carrera = new QMenu(QStringLiteral("Carrera"), this);
+    carrera->setObjectName(QStringLiteral("carrera"));
+    menuBar()->insertMenu(hhora, carrera);
+    salidaHora = carrera->addAction(QStringLiteral("Salida a una hora..."));
+    salidaHora->setObjectName(QStringLiteral("salidaHora"));
+    connect(salidaHora, &QAction::triggered, this, &FormMarvolendo::startAtTimeOfDay);
+    // Like "+" and "-": only with the clock stopped at zero, or to take an armed start back.
+    connect(carrera, &QMenu::aboutToShow, this, [this] {
+        salidaHora->setEnabled(armedMono ||
+                               (inicio == 0 && Label1->text() == texts::zeroClock &&
+                                !opp22->isChecked()));
+    });
+
+    armTimer = new QTimer(this);
+    armTimer->setSingleShot(true);
+    armTimer->setTimerType(Qt::PreciseTimer);
+    connect(armTimer, &QTimer::timeout, this, &FormMarvolendo::armedTick);
+    beepTimer = new QTimer(this);
+    beepTimer->setSingleShot(true);
+    beepTimer->setTimerType(Qt::PreciseTimer);
+    connect(beepTimer, &QTimer::timeout, this, &FormMarvolendo::Timer1_Timer);
 }
 
 void FormMarvolendo::connectHandlers()

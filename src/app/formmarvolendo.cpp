@@ -36,13 +36,15 @@ constexpr int timeOfDayIntervalMs = 250;
 
 } // namespace
 
-FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, QWidget* parent)
-    : QMainWindow(parent), clock(clockSource), dialogs(dialogSource)
+FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, Sound* soundSource,
+                               QWidget* parent)
+    : QMainWindow(parent), sound(soundSource), clock(clockSource), dialogs(dialogSource)
 {
     setObjectName(QStringLiteral("FormMarvolendo"));
     setWindowIcon(artwork::appIcon());
     buildControls();
     buildMenus();
+    buildRaceMenu();
     connectHandlers();
     // The window as drawn: the wide layout with the results list.
     setFormTwips(layouts::drawn.width, layouts::drawn.height);
@@ -123,6 +125,7 @@ void FormMarvolendo::Form_Load()
 
     if (inicio > 0) {
         // The race was running when it was saved: it goes on running.
+        anchorRun();
         Timer1->start();
         Command1[0]->setVisible(false);
         Command1[1]->setVisible(true);

@@ -14,16 +14,19 @@
 #include "app/core/racestate.h"
 #include "app/core/statefile.h"
 #include "app/dialogs.h"
+#include "chrono/core/startat.h"
 #include "entry/core/entrada.h"
 
 #include <QMainWindow>
 #include <QString>
+#include <QTime>
 #include <QUndoStack>
 
 #include <memory>
 #include <optional>
 
 class Clock;
+class Sound;
 class QAction;
 class QComboBox;
 class QGroupBox;
@@ -45,8 +48,10 @@ class FormMarvolendo : public QMainWindow
     Q_OBJECT
 
 public:
-    // The window runs Form_Load as it is built. The clock and the dialogs outlive it.
-    FormMarvolendo(Clock& clock, Dialogs& dialogs, QWidget* parent = nullptr);
+    // The window runs Form_Load as it is built. The clock, the dialogs and the sound (none: no
+    // beeps) outlive it.
+    FormMarvolendo(Clock& clock, Dialogs& dialogs, Sound* sound = nullptr,
+                   QWidget* parent = nullptr);
     ~FormMarvolendo() override;
 
     // The clock tick and the time of day, also run by hand where no event loop turns.
@@ -189,6 +194,33 @@ private:
     QAction* hhora = nullptr;
 
     std::unique_ptr<readings::ReadingsLink> conexion;
+
+    // The menu "Carrera" and the option "Pitidos de salida".
+    QMenu* carrera = nullptr;
+    QAction* salidaHora = nullptr;
+    QAction* pitidos = nullptr;
+    void buildRaceMenu();
+
+    // The running time comes from the monotonic clock, anchored to the wall clock when the
+    // race starts or resumes (startclock.cpp).
+    double anchorElapsed = 0; // seconds run at the anchor
+    double anchorMono = 0;    // the monotonic clock at the anchor
+    void anchorRun();
+    void startRun(double startTimer, const QTime& startTime);
+    // A start armed for a time of day: the monotonic moment it starts, and that time.
+    std::optional<double> armedMono;
+    QTime armedTime;
+    QTimer* armTimer = nullptr;
+    void startAtTimeOfDay();
+    void armedTick();
+    void cancelArmedStart();
+    // The beeps of the last seconds before the selected start.
+    Sound* sound = nullptr;
+    CountdownBeeps beeps;
+    int beepsRow = -1;
+    bool soundMissingShown = false;
+    QTimer* beepTimer = nullptr;
+    void countdownBeeps(std::optional<double> remainingSeconds);
 
     // The finish journal (journalling.cpp): each change of the race record is written as it
     // is made; a change of the window-level values writes a whole snapshot.

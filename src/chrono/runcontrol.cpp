@@ -25,32 +25,13 @@ using texts::zeroClock;
 void FormMarvolendo::Command1_Click(int index)
 {
     if (index == 0) {
-        Command1[0]->setVisible(false);
-        Command1[1]->setVisible(true);
-        // The run resumes from the displayed whole seconds.
-        if (Label1->text() != zeroClock)
-            desfase = timevalue::decimalMil(Label1->text());
-        Timer1->start();
-        inicio = clock.timer();
-        if (inicio == 0)
-            inicio = 1e-6; // exactly midnight: 0 would read as a stopped clock
-        const double timeOfDay =
-            timevalue::decimalMil(clock.timeOfDay().toString(QStringLiteral("hh:mm:ss")));
-        tempsActual = timevalue::tempsexaMil(timeOfDay - desfase);
-        horaSalida = basic::fitFixed(basic::left(basic::left(tempsActual, 8), 5), 5);
-        guardarEstado();
-        marcar();
-        for (QAction* a : op2)
-            a->setEnabled(false);
-        if (number(modoCaptura) == 0)
-            Command3->setFocus();
-        else
-            Text1->setFocus();
-        opp2->setEnabled(false);
-        opp22->setEnabled(false);
-        runningColours();
-        journalSnapshot();
+        startRun(clock.timer(), clock.timeOfDay());
     } else if (index == 1) {
+        if (armedMono) {
+            // Stop before an armed start only takes the start back.
+            cancelArmedStart();
+            return;
+        }
         Command1[1]->setVisible(false);
         Command1[0]->setVisible(true);
         Timer1->stop();
@@ -71,6 +52,38 @@ void FormMarvolendo::Command1_Click(int index)
         opp22->setEnabled(true);
         journalSnapshot();
     }
+}
+
+// Start: the race clock runs from startTimer (seconds since midnight), the moment whose time
+// of day is startTime: now for the button, an earlier or armed moment for a start at a time.
+void FormMarvolendo::startRun(double startTimer, const QTime& startTime)
+{
+    Command1[0]->setVisible(false);
+    Command1[1]->setVisible(true);
+    // The run resumes from the displayed whole seconds.
+    if (Label1->text() != zeroClock)
+        desfase = timevalue::decimalMil(Label1->text());
+    Timer1->start();
+    inicio = startTimer;
+    if (inicio == 0)
+        inicio = 1e-6; // exactly midnight: 0 would read as a stopped clock
+    anchorRun();
+    const double timeOfDay =
+        timevalue::decimalMil(startTime.toString(QStringLiteral("hh:mm:ss")));
+    tempsActual = timevalue::tempsexaMil(timeOfDay - desfase);
+    horaSalida = basic::fitFixed(basic::left(basic::left(tempsActual, 8), 5), 5);
+    guardarEstado();
+    marcar();
+    for (QAction* a : op2)
+        a->setEnabled(false);
+    if (number(modoCaptura) == 0)
+        Command3->setFocus();
+    else
+        Text1->setFocus();
+    opp2->setEnabled(false);
+    opp22->setEnabled(false);
+    runningColours();
+    journalSnapshot();
 }
 
 void FormMarvolendo::Command2_Click(int index)
@@ -108,21 +121,22 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
 {
     if (tempsInicial == 0)
         return;
-    double elapsed = (clock.timer() - tempsInicial) / timevalue::secondsPerHour;
-    // A race that crosses midnight keeps counting.
-    if (elapsed < 0)
-        elapsed += 24;
+    // The monotonic clock since the anchor: a step of the system time moves nothing.
+    const double elapsed =
+        (anchorElapsed + clock.monotonic() - anchorMono) / timevalue::secondsPerHour;
     const double running = elapsed + desfase;
     temps = timevalue::tempsexaMil(running);
     const double ref = timevalue::decimalMil(tempsPrimer);
     const int format = checkedFormat();
 
     // Countdown to the selected start of the start order.
+    std::optional<double> toStart;
     if (List2->count() >= 1) {
         const QListWidgetItem* selected = List2->currentItem();
         const QString line = selected ? selected->text() : QString();
         if (!line.isEmpty()) {
             const double start = timevalue::decimalMil(u'0' + basic::right(line, 7));
+            toStart = (start - running) * timevalue::secondsPerHour;
             const QString remaining = timevalue::tempsexaMil(start - running);
             if (basic::val(Text1->text()) > 0) {
                 if (basic::val(basic::mid(remaining, 5, 1)) == 0) {
@@ -151,6 +165,7 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
         Label6->setText(basic::mid(temps, 10, 3));
     ProgressBar1->setValue(static_cast<int>(basic::val(basic::mid(temps, 7, 2))));
     Label3->setText(basic::right(temps, 3));
+    countdownBeeps(toStart);
 }
 
 void FormMarvolendo::controles()

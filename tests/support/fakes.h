@@ -4,33 +4,62 @@
 
 #include "app/dialogs.h"
 #include "chrono/core/clock.h"
+#include "chrono/sound.h"
 
 #include <QList>
+#include <cmath>
 #include <QString>
 #include <QStringList>
 
 class FakeClock final : public Clock
 {
 public:
-    double seconds = 10 * 3600.0; // 10:00:00
+    double seconds = 10 * 3600.0; // 10:00:00, the wall clock
+    double steady = 1000.0;       // the monotonic clock
     double timer() const override { return seconds; }
+    double monotonic() const override { return steady; }
     QTime timeOfDay() const override
     {
         return QTime::fromMSecsSinceStartOfDay(static_cast<int>(seconds * 1000.0 + 0.5) % 86400000);
     }
-    void advance(double s) { seconds += s; }
+    // Time goes by: both clocks move, the wall clock round midnight.
+    void advance(double s)
+    {
+        steady += s;
+        stepWall(s);
+    }
+    // The system time is set: only the wall clock moves.
+    void stepWall(double s) { seconds = std::fmod(seconds + s + 86400.0, 86400.0); }
+};
+
+// Counts the beeps, each with the clock's second it sounded at.
+class FakeSound final : public Sound
+{
+public:
+    explicit FakeSound(const FakeClock* timeSource = nullptr) : clock(timeSource) {}
+    bool device = true;
+    QList<std::pair<Tone, double>> played;
+    const FakeClock* clock;
+    bool play(Tone tone) override
+    {
+        if (!device)
+            return false;
+        played.append({tone, clock ? clock->steady : 0.0});
+        return true;
+    }
 };
 
 class ScriptedDialogs final : public Dialogs
 {
 public:
     struct Shown {
-        QString kind; // "confirm", "warn", "ask", "open"
+        QString kind; // "confirm", "warn", "ask", "open", "text"
         QString title;
         QString text;
     };
     QList<int> answers;      // answers to confirm/ask, in order
     QStringList files;       // answers to openFile, in order ("" cancels)
+    QStringList texts;       // answers to askText, in order ("" cancels)
     QList<Shown> shown;      // every dialog shown, in order
     bool unexpected = false; // a dialog came without a scripted answer
     FileRequest lastRequest;
@@ -58,6 +87,16 @@ public:
             return {};
         }
         return files.takeFirst();
+    }
+
+    QString askText(QWidget*, const QString& title, const QString& label) override
+    {
+        shown.append({QStringLiteral("text"), title, label});
+        if (texts.isEmpty()) {
+            unexpected = true;
+            return {};
+        }
+        return texts.takeFirst();
     }
 
 private:

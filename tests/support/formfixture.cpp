@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSettings>
 #include <QStyleFactory>
 
 FormFixture::FormFixture()
@@ -19,6 +20,8 @@ FormFixture::FormFixture()
     QDir(dir.path()).mkpath(QStringLiteral("D"));
     qputenv("MARVOLENDO_DRIVE_C", QFile::encodeName(dir.filePath(QStringLiteral("C"))));
     qputenv("MARVOLENDO_DRIVE_D", QFile::encodeName(dir.filePath(QStringLiteral("D"))));
+    // The program's settings too live in the folder, never in the real home.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir.path());
     if (QApplication::style()->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) != 0)
         QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
 }
@@ -53,7 +56,7 @@ QString FormFixture::makeResultsFolder() const
 
 FormMarvolendo& FormFixture::open()
 {
-    window = std::make_unique<FormMarvolendo>(clock, dialogs);
+    window = std::make_unique<FormMarvolendo>(clock, dialogs, &sound);
     window->show();
     window->activateWindow();
     QApplication::setActiveWindow(window.get());

@@ -59,6 +59,7 @@ public:
 
     FakeClock clock;
     ScriptedDialogs dialogs;
+    FakeSound sound{&clock};
     QTemporaryDir dir;
 
 private:

@@ -1,5 +1,10 @@
 #include "clock.h"
 
+SystemClock::SystemClock()
+{
+    elapsed.start();
+}
+
 double SystemClock::timer() const
 {
     return timeOfDay().msecsSinceStartOfDay() / 1000.0;
@@ -8,4 +13,9 @@ double SystemClock::timer() const
 QTime SystemClock::timeOfDay() const
 {
     return QTime::currentTime();
+}
+
+double SystemClock::monotonic() const
+{
+    return static_cast<double>(elapsed.nsecsElapsed()) / 1e9;
 }

@@ -1,6 +1,7 @@
 // Where the stopwatch reads the time. The window takes a Clock so that tests can drive it.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QTime>
 
 class Clock
@@ -12,11 +13,20 @@ public:
     virtual double timer() const = 0;
     // The time of day, read from the same clock.
     virtual QTime timeOfDay() const = 0;
+    // Seconds from an arbitrary origin on a clock that is never stepped: a running race is
+    // timed on it once anchored to the wall clock, so a change of the system time moves no
+    // finish.
+    virtual double monotonic() const = 0;
 };
 
 class SystemClock final : public Clock
 {
 public:
+    SystemClock();
     double timer() const override;
     QTime timeOfDay() const override;
+    double monotonic() const override;
+
+private:
+    QElapsedTimer elapsed;
 };

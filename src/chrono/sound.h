@@ -1,0 +1,27 @@
+// The beeps of a time-trial start go through this seam: the program plays generated tones with
+// Qt Multimedia, tests count what would have sounded.
+#pragma once
+
+#include <memory>
+
+class Sound
+{
+public:
+    enum class Tone { Short, Long };
+    virtual ~Sound() = default;
+    // Plays the tone at once; false when the machine has no way to play it.
+    virtual bool play(Tone tone) = 0;
+};
+
+// Two tones made by the program and loaded when it starts, so that a beep sounds at once.
+class QtSound final : public Sound
+{
+public:
+    QtSound();
+    ~QtSound() override;
+    bool play(Tone tone) override;
+
+private:
+    struct Effects;
+    std::unique_ptr<Effects> effects;
+};
