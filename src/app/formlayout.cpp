@@ -334,6 +334,7 @@ void FormMarvolendo::buildRaceMenu()
     });
 
     armTimer = new QTimer(this);
+    armTimer->setObjectName(QStringLiteral("armTimer"));
     armTimer->setSingleShot(true);
     armTimer->setTimerType(Qt::PreciseTimer);
     connect(armTimer, &QTimer::timeout, this, &FormMarvolendo::armedTick);
