@@ -53,7 +53,10 @@ public:
     void warn(QWidget*, const QString&, const QString&) override { ++shown; }
     int ask(QWidget*, const QString&, const QString&) override { return ++shown, No; }
     QString openFile(QWidget*, const FileRequest&) override { return ++shown, QString(); }
-    QString askText(QWidget*, const QString&, const QString&) override { return ++shown, QString(); }
+    QString askText(QWidget*, const QString&, const QString&) override
+    {
+        return ++shown, QString();
+    }
 };
 
 // Times work(); withRedraw also counts the events it leaves pending (the redraw).

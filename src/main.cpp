@@ -1,6 +1,7 @@
 #include "app/dialogs.h"
 #include "app/formmarvolendo.h"
 #include "chrono/core/clock.h"
+#include "chrono/sound.h"
 
 #include <QApplication>
 #include <QStyleFactory>
@@ -12,7 +13,8 @@ int main(int argc, char* argv[])
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     SystemClock clock;
     QtDialogs dialogs;
-    FormMarvolendo form(clock, dialogs);
+    QtSound sound;
+    FormMarvolendo form(clock, dialogs, &sound);
     QObject::connect(&form, &FormMarvolendo::terminar, &app, &QApplication::quit);
     form.show();
     return app.exec();

@@ -328,9 +328,8 @@ void FormMarvolendo::buildRaceMenu()
     connect(salidaHora, &QAction::triggered, this, &FormMarvolendo::startAtTimeOfDay);
     // Like "+" and "-": only with the clock stopped at zero, or to take an armed start back.
     connect(carrera, &QMenu::aboutToShow, this, [this] {
-        salidaHora->setEnabled(armedMono ||
-                               (inicio == 0 && Label1->text() == texts::zeroClock &&
-                                !opp22->isChecked()));
+        salidaHora->setEnabled(armedMono || (inicio == 0 && Label1->text() == texts::zeroClock &&
+                                             !opp22->isChecked()));
     });
 
     armTimer = new QTimer(this);

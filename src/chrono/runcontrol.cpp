@@ -68,8 +68,7 @@ void FormMarvolendo::startRun(double startTimer, const QTime& startTime)
     if (inicio == 0)
         inicio = 1e-6; // exactly midnight: 0 would read as a stopped clock
     anchorRun();
-    const double timeOfDay =
-        timevalue::decimalMil(startTime.toString(QStringLiteral("hh:mm:ss")));
+    const double timeOfDay = timevalue::decimalMil(startTime.toString(QStringLiteral("hh:mm:ss")));
     tempsActual = timevalue::tempsexaMil(timeOfDay - desfase);
     horaSalida = basic::fitFixed(basic::left(basic::left(tempsActual, 8), 5), 5);
     guardarEstado();

@@ -1,8 +1,8 @@
 #include "chrono/sound.h"
 
 #include <QAudioDevice>
-#include <QMediaDevices>
 #include <QFile>
+#include <QMediaDevices>
 #include <QSoundEffect>
 #include <QTemporaryDir>
 #include <QUrl>

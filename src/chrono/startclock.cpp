@@ -118,11 +118,13 @@ void FormMarvolendo::armedTick()
     const QString wait = timevalue::tempsexaMil(remaining / timevalue::secondsPerHour);
     Label1->setText(basic::left(wait, 8));
     const int format = checkedFormat();
-    Label6->setText(format == 1 ? basic::mid(wait, 10, 2)
+    Label6->setText(format == 1   ? basic::mid(wait, 10, 2)
                     : format == 2 ? basic::mid(wait, 10, 3)
                                   : QString());
-    // The last interval is timed to the millisecond.
-    armTimer->start(std::clamp(static_cast<int>(std::ceil(remaining * 1000.0)), 0, armedTickMs));
+    // The last interval is timed to the millisecond; the wait before it on the cheaper timer.
+    const int ms = static_cast<int>(std::ceil(remaining * 1000.0));
+    armTimer->setTimerType(ms <= 2 * armedTickMs ? Qt::PreciseTimer : Qt::CoarseTimer);
+    armTimer->start(std::min(ms, armedTickMs));
 }
 
 void FormMarvolendo::cancelArmedStart()
@@ -132,7 +134,7 @@ void FormMarvolendo::cancelArmedStart()
     Label1->setToolTip(QString());
     Label1->setText(texts::zeroClock);
     const int format = checkedFormat();
-    Label6->setText(format == 1 ? QStringLiteral("00")
+    Label6->setText(format == 1   ? QStringLiteral("00")
                     : format == 2 ? QStringLiteral("000")
                                   : QString());
     Command1[1]->setVisible(false);

@@ -115,8 +115,10 @@ void StartClockTest::refusedTimesChangeNothing_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("said");
-    QTest::newRow("unreadable") << "25:00:00" << "no es una hora válida";
-    QTest::newRow("more than 12 hours ago") << "07:59:59" << "hace más de 12 horas";
+    QTest::newRow("unreadable") << "25:00:00"
+                                << "no es una hora válida";
+    QTest::newRow("more than 12 hours ago") << "07:59:59"
+                                            << "hace más de 12 horas";
 }
 
 void StartClockTest::refusedTimesChangeNothing()
@@ -169,14 +171,15 @@ void StartClockTest::wallClockStepsMoveNoFinish()
     f.open();
     f.tick(0);
     QCOMPARE(f.label("Label1")->text(),
-             QTime(0, 0).addSecs(static_cast<int>(12 + step + (step < 0 ? 86400 : 0)))
+             QTime(0, 0)
+                 .addSecs(static_cast<int>(12 + step + (step < 0 ? 86400 : 0)))
                  .toString(QStringLiteral("hh:mm:ss")));
 }
 
 void StartClockTest::beeps_data()
 {
     QTest::addColumn<bool>("option");
-    QTest::addColumn<int>("row");   // the start-order line selected, -1 none
+    QTest::addColumn<int>("row");     // the start-order line selected, -1 none
     QTest::addColumn<double>("from"); // race seconds ticked through, 20 ms apart
     QTest::addColumn<QString>("heard");
     // The first start is at 0:10:30 race time.

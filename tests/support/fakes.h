@@ -7,9 +7,9 @@
 #include "chrono/sound.h"
 
 #include <QList>
-#include <cmath>
 #include <QString>
 #include <QStringList>
+#include <cmath>
 
 class FakeClock final : public Clock
 {
