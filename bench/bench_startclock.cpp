@@ -50,6 +50,7 @@ public:
     int ask(QWidget*, const QString&, const QString&) override { return No; }
     QString openFile(QWidget*, const FileRequest&) override { return {}; }
     QString askText(QWidget*, const QString&, const QString&) override { return text; }
+    QStringList askFields(QWidget*, const QString&, const QStringList&) override { return {}; }
     QString text;
 };
 

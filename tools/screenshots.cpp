@@ -56,6 +56,7 @@ public:
         std::fprintf(stderr, "  aviso \"%s\": %s\n", qPrintable(title), qPrintable(text));
     }
     QString askText(QWidget*, const QString&, const QString&) override { return {}; }
+    QStringList askFields(QWidget*, const QString&, const QStringList&) override { return {}; }
     int ask(QWidget*, const QString& title, const QString& text) override
     {
         std::fprintf(stderr, "  pregunta \"%s\": %s -> Si\n", qPrintable(title), qPrintable(text));

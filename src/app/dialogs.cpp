@@ -1,6 +1,9 @@
 #include "dialogs.h"
 
+#include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QFormLayout>
+#include <QLineEdit>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -57,4 +60,28 @@ QString QtDialogs::askText(QWidget* parent, const QString& title, const QString&
     if (dialog.exec() != QDialog::Accepted)
         return {};
     return dialog.textValue();
+}
+
+QStringList QtDialogs::askFields(QWidget* parent, const QString& title, const QStringList& labels)
+{
+    QDialog dialog(parent);
+    dialog.setWindowTitle(title);
+    auto* form = new QFormLayout(&dialog);
+    QList<QLineEdit*> fields;
+    for (const QString& label : labels) {
+        fields << new QLineEdit(&dialog);
+        form->addRow(label, fields.last());
+    }
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Aceptar"));
+    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Cancelar"));
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    form->addRow(buttons);
+    if (dialog.exec() != QDialog::Accepted)
+        return {};
+    QStringList answers;
+    for (const QLineEdit* f : fields)
+        answers << f->text();
+    return answers;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class QWidget;
 
@@ -31,6 +32,9 @@ public:
     virtual QString openFile(QWidget* parent, const FileRequest& request) = 0;
     // A line of text typed by the operator, or an empty text when the operator cancels.
     virtual QString askText(QWidget* parent, const QString& title, const QString& label) = 0;
+    // One line of text for each label, in one box; an empty list when the operator cancels.
+    virtual QStringList askFields(QWidget* parent, const QString& title,
+                                  const QStringList& labels) = 0;
 };
 
 class QtDialogs final : public Dialogs
@@ -41,4 +45,6 @@ public:
     int ask(QWidget* parent, const QString& title, const QString& text) override;
     QString openFile(QWidget* parent, const FileRequest& request) override;
     QString askText(QWidget* parent, const QString& title, const QString& label) override;
+    QStringList askFields(QWidget* parent, const QString& title,
+                          const QStringList& labels) override;
 };

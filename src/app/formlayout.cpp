@@ -326,6 +326,8 @@ void FormMarvolendo::buildRaceMenu()
     salidaHora = carrera->addAction(QStringLiteral("Salida a una hora..."));
     salidaHora->setObjectName(QStringLiteral("salidaHora"));
     connect(salidaHora, &QAction::triggered, this, &FormMarvolendo::startAtTimeOfDay);
+    carrera->addSeparator();
+    buildEditing();
     // Like "+" and "-": only with the clock stopped at zero, or to take an armed start back.
     connect(carrera, &QMenu::aboutToShow, this, [this] {
         salidaHora->setEnabled(armedMono || (inicio == 0 && Label1->text() == texts::zeroClock &&

@@ -348,8 +348,30 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
             List1_DblClick();
         return false;
     }
+    if (watched == List1) {
+        // The bib checks' counts stand under the list wherever a layout puts it.
+        switch (event->type()) {
+        case QEvent::Move:
+        case QEvent::Resize:
+        case QEvent::ShowToParent:
+        case QEvent::HideToParent:
+            placeBibStatus();
+            break;
+        default:
+            break;
+        }
+        return false;
+    }
+    if (watched == asignarDorsal) {
+        if (event->type() == QEvent::FocusIn) {
+            bibFieldGotFocus(asignarDorsal);
+            return false;
+        }
+        if (event->type() != QEvent::KeyPress)
+            return false;
+    }
     const bool first = watched == Text1;
-    if (!first && watched != Text2)
+    if (!first && watched != Text2 && watched != asignarDorsal)
         return QMainWindow::eventFilter(watched, event);
 
     switch (event->type()) {
@@ -382,6 +404,17 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
     if (code == 0)
         return true; // a character outside the code page is swallowed
     const int typed = code;
+    if (watched == asignarDorsal) {
+        // The bibs window's field: the bib fields' filter, Enter gives the bib.
+        bibFieldKeyPress(asignarDorsal, code);
+        if (enterCampo == 1)
+            assignBib();
+        if (code != 0 && code != 13 && code != typed) {
+            asignarDorsal->insert(QString(cp1252::character(code)));
+            return true;
+        }
+        return code == 0 || typed == 13;
+    }
     first ? Text1_KeyPress(code) : Text2_KeyPress(code);
     if (code != 0 && code != 13 && code != typed) {
         // The filter changed the key (upper case, say): type the changed character instead.

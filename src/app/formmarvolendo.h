@@ -16,6 +16,7 @@
 #include "app/dialogs.h"
 #include "chrono/core/startat.h"
 #include "entry/core/entrada.h"
+#include "results/core/finishedit.h"
 
 #include <QMainWindow>
 #include <QString>
@@ -29,6 +30,7 @@ class Clock;
 class Sound;
 class QAction;
 class QComboBox;
+class QDialog;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -221,6 +223,33 @@ private:
     bool soundMissingShown = false;
     QTimer* beepTimer = nullptr;
     void countdownBeeps(std::optional<double> remainingSeconds);
+
+    // Editing the results after the fact (results/finishedit.cpp): bibs given in arrival
+    // order, a false finish removed, a missed one added, each undoable; the bib checks.
+    QAction* asignar = nullptr;
+    QAction* borrar = nullptr;
+    QAction* anadir = nullptr;
+    QAction* deshacer = nullptr;
+    QDialog* asignarVentana = nullptr;
+    QLabel* asignarSiguiente = nullptr;
+    QLabel* asignarPendientes = nullptr;
+    QLineEdit* asignarDorsal = nullptr;
+    QLabel* estadoDorsales = nullptr;
+    finishedit::BibChecks bibChecks;
+    void buildEditing();
+    void openAssignBibs();
+    void assignBib();
+    void showNextWithoutBib();
+    int nextWithoutBib() const;
+    void removeFinish();
+    void addFinish();
+    void pushEdit(const RaceChange& redo, const RaceChange& undo, const QString& text,
+                  bool firstMayChange);
+    void settleEdit(bool firstMayChange);
+    void relabel();
+    void checkBibs(const RaceChange& change);
+    void colourBibLine(int row);
+    void placeBibStatus();
 
     // The finish journal (journalling.cpp): each change of the race record is written as it
     // is made; a change of the window-level values writes a whole snapshot.

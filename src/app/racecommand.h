@@ -7,6 +7,8 @@
 #include <QList>
 #include <QUndoCommand>
 
+#include <functional>
+
 class RaceCommand : public QUndoCommand
 {
 public:
@@ -19,15 +21,22 @@ public:
     {
     }
 
+    // What the window works out again after the lines changed, either way.
+    std::function<void()> after;
+
     void redo() override
     {
         for (const RaceChange& c : forward)
             race.apply(c);
+        if (after)
+            after();
     }
     void undo() override
     {
         for (const RaceChange& c : backward)
             race.apply(c);
+        if (after)
+            after();
     }
 
 private:

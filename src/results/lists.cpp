@@ -75,8 +75,23 @@ void FormMarvolendo::showChange(const RaceChange& c)
     case Kind::ResultsEmptied:
         Combo1->clear();
         List1->clear();
+        // What could be taken back belongs to the race that is gone.
+        undoStack.clear();
+        break;
+    case Kind::Results:
+        for (int i = 0; i < List1->count(); ++i) {
+            if (List1->item(i)->text() != c.list1Lines[i])
+                List1->item(i)->setText(c.list1Lines[i]);
+        }
+        for (int i = 0; i < Combo1->count(); ++i) {
+            if (Combo1->itemText(i) != c.lines[i])
+                Combo1->setItemText(i, c.lines[i]);
+        }
+        break;
+    case Kind::Captions:
         break;
     }
+    checkBibs(c);
 }
 
 void FormMarvolendo::showRestored()
@@ -87,4 +102,6 @@ void FormMarvolendo::showRestored()
     List1->addItems(race.list1());
     List2->clear();
     List2->addItems(race.list2());
+    undoStack.clear();
+    checkBibs(RaceChange::of(RaceChange::Kind::Results));
 }

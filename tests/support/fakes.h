@@ -60,6 +60,7 @@ public:
     QList<int> answers;      // answers to confirm/ask, in order
     QStringList files;       // answers to openFile, in order ("" cancels)
     QStringList texts;       // answers to askText, in order ("" cancels)
+    QList<QStringList> fieldAnswers; // answers to askFields, in order ({} cancels)
     QList<Shown> shown;      // every dialog shown, in order
     bool unexpected = false; // a dialog came without a scripted answer
     FileRequest lastRequest;
@@ -97,6 +98,16 @@ public:
             return {};
         }
         return texts.takeFirst();
+    }
+
+    QStringList askFields(QWidget*, const QString& title, const QStringList& labels) override
+    {
+        shown.append({QStringLiteral("fields"), title, labels.join(u'|')});
+        if (fieldAnswers.isEmpty()) {
+            unexpected = true;
+            return {};
+        }
+        return fieldAnswers.takeFirst();
     }
 
 private:

@@ -189,6 +189,23 @@ std::optional<RaceChange> changeOf(char kind, const QList<QByteArrayView>& f)
         c = RaceChange::of(Kind::StartOrderEmptied);
     } else if (kind == 'C' && f.size() == 1) {
         c = RaceChange::of(Kind::ResultsEmptied);
+    } else if (kind == 'T' && f.size() >= 2) {
+        const int n = index(1);
+        if (!ok || f.size() != 2 + 2 * qsizetype(n))
+            return std::nullopt;
+        QStringList combo1, list1;
+        for (int i = 0; i < n; ++i) {
+            combo1 << unescape(f[2 + i]);
+            list1 << unescape(f[2 + n + i]);
+        }
+        c = RaceChange::results(combo1, list1);
+    } else if (kind == 'L' && f.size() == 6) {
+        c = RaceChange::of(Kind::Captions);
+        c.label2 = unescape(f[1]);
+        c.tempsPrimer = unescape(f[2]);
+        c.label4 = unescape(f[3]);
+        c.label5 = unescape(f[4]);
+        c.label8 = unescape(f[5]);
     } else {
         return std::nullopt;
     }
@@ -241,6 +258,13 @@ QByteArray encodeChange(const RaceChange& c)
         return entry('Z', {});
     case Kind::ResultsEmptied:
         return entry('C', {});
+    case Kind::Results: {
+        QStringList f{QString::number(c.lines.size())};
+        f << c.lines << c.list1Lines;
+        return entry('T', f);
+    }
+    case Kind::Captions:
+        return entry('L', {c.label2, c.tempsPrimer, c.label4, c.label5, c.label8});
     }
     return {};
 }
@@ -258,7 +282,7 @@ bool applyChange(RaceRecord& r, const RaceChange& c)
     s.combo1 = std::move(lines.combo1);
     s.list1 = std::move(lines.list1);
     s.list2 = std::move(lines.list2);
-    if (c.kind == RaceChange::Kind::Finish) {
+    if (c.kind == RaceChange::Kind::Finish || c.kind == RaceChange::Kind::Captions) {
         r.label2 = c.label2;
         s.tempsPrimer = c.tempsPrimer;
         r.label4 = c.label4;

@@ -33,6 +33,14 @@ RaceChange RaceChange::startOrder(const QStringList& lines)
     return c;
 }
 
+RaceChange RaceChange::results(const QStringList& combo1, const QStringList& list1)
+{
+    RaceChange c = of(Kind::Results);
+    c.lines = combo1;
+    c.list1Lines = list1;
+    return c;
+}
+
 RaceChange RaceChange::of(Kind kind)
 {
     RaceChange c;
@@ -99,6 +107,14 @@ bool applyChange(RaceLines& l, const RaceChange& c)
     case Kind::ResultsEmptied:
         l.combo1.clear();
         l.list1.clear();
+        return true;
+    case Kind::Results:
+        if (c.lines.size() != l.combo1.size() || c.list1Lines.size() != l.list1.size())
+            return false;
+        l.combo1 = c.lines;
+        l.list1 = c.list1Lines;
+        return true;
+    case Kind::Captions:
         return true;
     }
     return false;

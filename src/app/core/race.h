@@ -17,6 +17,9 @@ struct RaceChange {
         StartOrder,        // lines appended to List2
         StartOrderEmptied, // List2 emptied
         ResultsEmptied,    // Combo1 and List1 emptied
+        Results,           // Combo1 and List1 rewritten whole (same count): `lines` for
+                           // Combo1, `list1Lines` for List1
+        Captions,          // no line changes: the captions below, set again after an edit
     };
     Kind kind = Kind::Finish;
     int index = -1;
@@ -24,7 +27,8 @@ struct RaceChange {
     QString combo1Line;
     QString list1Line;
     QStringList lines;
-    // The captions a finish sets: the rank counter, the first finisher's time and its label,
+    QStringList list1Lines;
+    // The captions a finish (or a Captions change) sets: the rank counter, the first finisher's time and its label,
     // the last finisher's time and difference.
     QString label2;
     QString tempsPrimer;
@@ -36,6 +40,7 @@ struct RaceChange {
     static RaceChange remove(int index);
     static RaceChange insert(int index, const QString& combo1Line, const QString& list1Line);
     static RaceChange startOrder(const QStringList& lines);
+    static RaceChange results(const QStringList& combo1, const QStringList& list1);
     static RaceChange of(Kind kind);
 };
 

@@ -1,0 +1,73 @@
+// Editing the results after the fact: the lines of a finish added at a given time, where it
+// goes, the differences worked out again when the first finisher changes, and the checks of
+// the bibs. Lines keep the forms a Lap writes (rank, bib, time, difference by position).
+#pragma once
+
+#include "chrono/core/timevalue.h"
+
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+
+#include <optional>
+
+namespace finishedit
+{
+
+// The bib of a List1 line (characters 6-9), 0 when blank or not a number.
+double bibOf(QStringView list1Line);
+
+// The time field of a List1 line ("R-B- T - D") and of a Combo1 line ("R- T - D"); none when
+// the line has no time (the bibs-only form).
+std::optional<QString> list1Time(QStringView line);
+std::optional<QString> combo1Time(QStringView line);
+
+// The two lines a Lap at `hours` writes as rank `rank`, with the bib typed as `bib` and the
+// first finisher at `firstHours`.
+struct FinishLines {
+    QString combo1;
+    QString list1;
+};
+FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format);
+
+// The index a finish at `hours` takes: after every line whose time is not later.
+int insertionIndex(const QStringList& list1, double hours);
+
+// Every difference written again against the time of the first line, as the Laps would have
+// written them with that finisher first. Lines without a time are left as they are.
+void recomputeDifferences(QStringList& combo1, QStringList& list1, TimeFormat format);
+
+// What is wrong with the bib of each List1 line, as flags, kept up to date line by line so
+// that a finish costs the same with ten lines or ten thousand.
+enum Problem { NoProblem = 0, NoBib = 1, Repeated = 2, NotEntered = 4 };
+class BibChecks
+{
+public:
+    // `entered`: the bibs of the start order or of the entrants; none when neither is loaded.
+    void reset(const QStringList& list1, const std::optional<QSet<int>>& entered);
+    // A line appended: the lines whose problems changed, the new one among them.
+    QList<int> append(const QString& list1Line);
+    // Line `index` rewritten (a bib corrected or assigned): the lines whose problems changed.
+    QList<int> rewrite(int index, const QString& list1Line);
+    int problem(int index) const { return problems.value(index); }
+    int noBib() const { return counts[0]; }
+    int repeated() const { return counts[1]; }
+    int notEntered() const { return counts[2]; }
+
+private:
+    void set(int index, int problem);
+    int judge(double bib) const;
+    std::optional<QSet<int>> enteredBibs;
+    QHash<double, QList<int>> linesOfBib;
+    QList<double> bibs;
+    QList<int> problems;
+    int counts[3] = {};
+};
+
+// The bibs of the start-order lines (characters 6-9).
+QSet<int> bibsOfStartOrder(const QStringList& list2);
+
+} // namespace finishedit

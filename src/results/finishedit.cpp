@@ -1,0 +1,363 @@
+// Editing the results after the fact, beside the old window: bibs given afterwards in arrival
+// order, a false finish removed, a missed one added, each of them undoable, and the bib
+// checks drawn on the results list. The lines keep exactly the forms a Lap writes.
+#include "app/formmarvolendo.h"
+#include "app/look.h"
+#include "app/racecommand.h"
+#include "base/basic.h"
+#include "chrono/core/clock.h"
+#include "chrono/core/startat.h"
+#include "chrono/core/timevalue.h"
+#include "results/core/resultline.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDialog>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QShortcut>
+#include <QTimer>
+#include <QVBoxLayout>
+
+using finishedit::Problem;
+
+namespace
+{
+
+const QColor noBibColour{255, 224, 178};
+const QColor repeatedColour{255, 188, 188};
+const QColor notEnteredColour{200, 222, 255};
+
+} // namespace
+
+void FormMarvolendo::buildEditing()
+{
+    asignar = carrera->addAction(QStringLiteral("Asignar dorsales..."));
+    asignar->setObjectName(QStringLiteral("asignar"));
+    asignar->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
+    connect(asignar, &QAction::triggered, this, &FormMarvolendo::openAssignBibs);
+
+    borrar = carrera->addAction(QStringLiteral("Borrar llegada"));
+    borrar->setObjectName(QStringLiteral("borrar"));
+    // Supr removes the chosen line while the list has the focus; a field keeps its own Supr.
+    borrar->setShortcut(QKeySequence(Qt::Key_Delete));
+    borrar->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    List1->addAction(borrar);
+    Combo1->addAction(borrar);
+    connect(borrar, &QAction::triggered, this, &FormMarvolendo::removeFinish);
+
+    anadir = carrera->addAction(QStringLiteral("Añadir llegada..."));
+    anadir->setObjectName(QStringLiteral("anadir"));
+    connect(anadir, &QAction::triggered, this, &FormMarvolendo::addFinish);
+
+    deshacer = carrera->addAction(QStringLiteral("Deshacer"));
+    deshacer->setObjectName(QStringLiteral("deshacer"));
+    deshacer->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+    deshacer->setEnabled(false);
+    connect(deshacer, &QAction::triggered, &undoStack, &QUndoStack::undo);
+    connect(&undoStack, &QUndoStack::canUndoChanged, deshacer, &QAction::setEnabled);
+    connect(&undoStack, &QUndoStack::undoTextChanged, this, [this](const QString& text) {
+        deshacer->setText(text.isEmpty() ? QStringLiteral("Deshacer")
+                                         : QStringLiteral("Deshacer: %1").arg(text.toLower()));
+    });
+    undoStack.setUndoLimit(100);
+
+    // The counts of the bib checks, right under the results list, wherever the list stands.
+    estadoDorsales = new QLabel(List1->parentWidget());
+    estadoDorsales->setObjectName(QStringLiteral("estadoDorsales"));
+    estadoDorsales->setFont(look::fixedFont(7));
+    estadoDorsales->setVisible(false);
+    List1->installEventFilter(this);
+
+    // The bibs window: the next finish without a bib, how many wait, the bib field.
+    asignarVentana = new QDialog(this);
+    asignarVentana->setObjectName(QStringLiteral("asignarVentana"));
+    asignarVentana->setWindowTitle(QStringLiteral("Asignar dorsales"));
+    asignarVentana->setModal(false);
+    auto* layout = new QVBoxLayout(asignarVentana);
+    asignarSiguiente = new QLabel(asignarVentana);
+    asignarSiguiente->setObjectName(QStringLiteral("asignarSiguiente"));
+    asignarSiguiente->setFont(look::fixedFont(11));
+    asignarPendientes = new QLabel(asignarVentana);
+    asignarPendientes->setObjectName(QStringLiteral("asignarPendientes"));
+    asignarDorsal = new QLineEdit(asignarVentana);
+    asignarDorsal->setObjectName(QStringLiteral("asignarDorsal"));
+    asignarDorsal->setMaxLength(4);
+    asignarDorsal->setAlignment(Qt::AlignCenter);
+    QFont big = asignarDorsal->font();
+    big.setPointSize(18);
+    asignarDorsal->setFont(big);
+    asignarDorsal->setToolTip(QStringLiteral("Dorsal de esta llegada; Intro lo asigna y pasa a "
+                                             "la siguiente"));
+    layout->addWidget(asignarSiguiente);
+    layout->addWidget(asignarPendientes);
+    layout->addWidget(asignarDorsal);
+    asignarDorsal->installEventFilter(this);
+    // The finish keys go on taking finishes while this window has the focus.
+    const std::pair<Qt::Key, int> finishKeys[] = {{Qt::Key_F1, 112}, {Qt::Key_F3, 114}};
+    for (const auto& [key, code] : finishKeys) {
+        auto* shortcut = new QShortcut(QKeySequence(key), asignarVentana);
+        shortcut->setAutoRepeat(false);
+        connect(shortcut, &QShortcut::activated, this,
+                [this, code] { Form_KeyDown(code, Qt::NoModifier); });
+    }
+}
+
+void FormMarvolendo::openAssignBibs()
+{
+    showNextWithoutBib();
+    asignarVentana->show();
+    asignarVentana->raise();
+    asignarVentana->activateWindow();
+    asignarDorsal->setFocus();
+}
+
+int FormMarvolendo::nextWithoutBib() const
+{
+    const int n = static_cast<int>(race.list1().size());
+    for (int i = 0; i < n; ++i) {
+        if (bibChecks.problem(i) & finishedit::NoBib)
+            return i;
+    }
+    return -1;
+}
+
+void FormMarvolendo::showNextWithoutBib()
+{
+    if (!asignarVentana)
+        return;
+    const int next = nextWithoutBib();
+    if (next < 0) {
+        asignarSiguiente->setText(QStringLiteral("No hay llegadas sin dorsal"));
+        asignarPendientes->setText(QString());
+        return;
+    }
+    const QString& line = race.list1()[next];
+    const std::optional<QString> time = finishedit::list1Time(line);
+    asignarSiguiente->setText(QStringLiteral("Puesto %1   %2")
+                                  .arg(basic::left(line, 4).trimmed(), time.value_or(QString())));
+    const int waiting = bibChecks.noBib();
+    asignarPendientes->setText(waiting == 1
+                                   ? QStringLiteral("Queda 1 llegada sin dorsal")
+                                   : QStringLiteral("Quedan %1 llegadas sin dorsal").arg(waiting));
+}
+
+void FormMarvolendo::assignBib()
+{
+    const int next = nextWithoutBib();
+    const QString typed = asignarDorsal->text();
+    asignarDorsal->clear();
+    if (next < 0 || typed.isEmpty())
+        return;
+    // The line is rewritten as a correction in the list rewrites it.
+    const std::optional<QString> line = resultline::rewriteBib(race.list1()[next], typed);
+    if (!line)
+        return;
+    undoStack.push(new RaceCommand(race, RaceChange::bib(next, *line),
+                                   RaceChange::bib(next, race.list1()[next]),
+                                   QStringLiteral("Asignar dorsal")));
+}
+
+// The line chosen for removal: in the results list, or in the drop-down where the Lap layout
+// shows no list.
+void FormMarvolendo::removeFinish()
+{
+    const int row = List1->isHidden() ? Combo1->currentIndex() : List1->currentRow();
+    if (row < 0 || row >= race.list1().size()) {
+        avisar(QStringLiteral("Elija en la lista la llegada que quiere borrar."));
+        return;
+    }
+    const QString& line = race.list1()[row];
+    respuesta = dialogs.confirm(this, QStringLiteral("Borrar llegada"),
+                                QStringLiteral("Se borrará la llegada\n\n%1\n\ny los puestos "
+                                               "siguientes subirán uno.")
+                                    .arg(line));
+    if (respuesta == Dialogs::Cancel)
+        return;
+    pushEdit(RaceChange::remove(row),
+             RaceChange::insert(row, race.combo1().value(row), race.list1()[row]),
+             QStringLiteral("Borrar llegada"), row == 0);
+}
+
+void FormMarvolendo::addFinish()
+{
+    const int format = checkedFormat();
+    if (format < 0 || opp22->isChecked()) {
+        dialogs.warn(this, QStringLiteral("Añadir llegada"),
+                     QStringLiteral("Solo se pueden añadir llegadas con tiempos: elija un "
+                                    "formato de tiempo y un modo con reloj."));
+        return;
+    }
+    const QStringList answers =
+        dialogs.askFields(this, QStringLiteral("Añadir llegada"),
+                          {QStringLiteral("Tiempo de carrera (hh:mm:ss, con centésimas o "
+                                          "milésimas si se quiere):"),
+                           QStringLiteral("Dorsal:")});
+    if (answers.size() != 2)
+        return;
+    const std::optional<double> seconds = startat::parseTimeOfDay(answers[0]);
+    if (!seconds) {
+        dialogs.warn(this, QStringLiteral("Añadir llegada"),
+                     QStringLiteral("«%1» no es un tiempo válido. Escríbalo como hh:mm:ss, por "
+                                    "ejemplo 0:42:17 o 0:42:17,35.")
+                         .arg(answers[0]));
+        return;
+    }
+    const QString bib = answers[1].trimmed();
+    double bibValue = 0;
+    if (!bib.isEmpty() &&
+        (!basic::isNumber(bib, &bibValue) || bibValue < 0 || bibValue > 9999)) {
+        dialogs.warn(this, QStringLiteral("Añadir llegada"),
+                     QStringLiteral("«%1» no es un dorsal válido (de 0 a 9999).").arg(bib));
+        return;
+    }
+    // Not later than the race clock reads now.
+    const double hours = *seconds / timevalue::secondsPerHour;
+    const double now =
+        inicio != 0 ? (anchorElapsed + clock.monotonic() - anchorMono) / timevalue::secondsPerHour +
+                          desfase
+                    : timevalue::decimalMil(Label1->text()) + 0.999 / timevalue::secondsPerHour;
+    if (hours > now) {
+        dialogs.warn(this, QStringLiteral("Añadir llegada"),
+                     QStringLiteral("El tiempo %1 es posterior al reloj de la carrera: no se ha "
+                                    "añadido nada.")
+                         .arg(answers[0].trimmed()));
+        return;
+    }
+    const QStringList& list1 = race.list1();
+    const int at = finishedit::insertionIndex(list1, hours);
+    const std::optional<QString> first =
+        list1.isEmpty() ? std::nullopt : finishedit::list1Time(list1.first());
+    const double firstHours = at == 0 || !first ? hours : timevalue::decimalMil(*first);
+    const finishedit::FinishLines lines = finishedit::linesOf(
+        at + 1, bib, hours, firstHours, static_cast<TimeFormat>(format));
+    pushEdit(RaceChange::insert(at, lines.combo1, lines.list1), RaceChange::remove(at),
+             QStringLiteral("Añadir llegada"), at == 0);
+}
+
+void FormMarvolendo::pushEdit(const RaceChange& redo, const RaceChange& undo, const QString& text,
+                              bool firstMayChange)
+{
+    auto* command = new RaceCommand(race, redo, undo, text);
+    command->after = [this, firstMayChange] { settleEdit(firstMayChange); };
+    undoStack.push(command);
+}
+
+// After a finish is removed or added, either way: the differences when the first finisher
+// changed, the captions a Lap would have left, and the state file.
+void FormMarvolendo::settleEdit(bool firstMayChange)
+{
+    const int format = checkedFormat();
+    if (firstMayChange && format >= 0) {
+        QStringList combo1 = race.combo1();
+        QStringList list1 = race.list1();
+        finishedit::recomputeDifferences(combo1, list1, static_cast<TimeFormat>(format));
+        if (combo1 != race.combo1() || list1 != race.list1())
+            race.apply(RaceChange::results(combo1, list1));
+    }
+    relabel();
+    guardarEstado();
+}
+
+void FormMarvolendo::relabel()
+{
+    const QStringList& list1 = race.list1();
+    Label2->setText(basic::digits(double(list1.size())));
+    const int format = checkedFormat();
+    if (format >= 0 && !list1.isEmpty()) {
+        const auto f = static_cast<TimeFormat>(format);
+        const std::optional<QString> first = finishedit::list1Time(list1.first());
+        const std::optional<QString> last = finishedit::list1Time(list1.last());
+        if (first && last) {
+            tempsPrimer = *first;
+            if (number(modoCaptura) != 1) {
+                Label4->setText(resultline::cutTime(*first, f, resultline::Target::List1));
+                Label5->setText(resultline::cutTime(*last, f, resultline::Target::List1));
+            }
+            const QString& lastCombo = race.combo1().last();
+            const qsizetype separator = lastCombo.indexOf(QLatin1String(" - "), 6);
+            if (separator > 0)
+                Label8->setText(lastCombo.mid(separator + 3));
+        }
+    } else if (format >= 0 && list1.isEmpty()) {
+        const auto f = static_cast<TimeFormat>(format);
+        tempsPrimer = timevalue::clockTemplate(f);
+        Label4->setText(timevalue::clockTemplate(f));
+        Label5->setText(timevalue::shortTemplate(f));
+        Label8->setText(timevalue::shortTemplate(f));
+    }
+    RaceChange captions = RaceChange::of(RaceChange::Kind::Captions);
+    captions.label2 = Label2->text();
+    captions.tempsPrimer = tempsPrimer;
+    captions.label4 = Label4->text();
+    captions.label5 = Label5->text();
+    captions.label8 = Label8->text();
+    race.apply(captions);
+}
+
+// The bib checks follow every change of the lines: a finish checks its own line (and the one
+// it repeats), anything else the whole list.
+void FormMarvolendo::checkBibs(const RaceChange& change)
+{
+    using Kind = RaceChange::Kind;
+    if (change.kind == Kind::Captions)
+        return;
+    if (change.kind == Kind::Finish) {
+        if (!change.hasLines)
+            return;
+        for (const int row : bibChecks.append(change.list1Line))
+            colourBibLine(row);
+    } else if (change.kind == Kind::Bib) {
+        for (const int row : bibChecks.rewrite(change.index, change.list1Line))
+            colourBibLine(row);
+    } else {
+        std::optional<QSet<int>> entered;
+        if (!race.list2().isEmpty())
+            entered = finishedit::bibsOfStartOrder(race.list2());
+        bibChecks.reset(race.list1(), entered);
+        for (int row = 0; row < List1->count(); ++row)
+            colourBibLine(row);
+    }
+    QStringList counts;
+    if (bibChecks.noBib() > 0)
+        counts << QStringLiteral("sin dorsal: %1").arg(bibChecks.noBib());
+    if (bibChecks.repeated() > 0)
+        counts << QStringLiteral("repetidos: %1").arg(bibChecks.repeated());
+    if (bibChecks.notEntered() > 0)
+        counts << QStringLiteral("no inscritos: %1").arg(bibChecks.notEntered());
+    estadoDorsales->setText(counts.join(QStringLiteral("   ")));
+    placeBibStatus();
+    showNextWithoutBib();
+}
+
+void FormMarvolendo::colourBibLine(int row)
+{
+    QListWidgetItem* item = List1->item(row);
+    if (!item)
+        return;
+    const int p = bibChecks.problem(row);
+    QStringList why;
+    if (p & finishedit::NoBib)
+        why << QStringLiteral("Llegada sin dorsal");
+    if (p & finishedit::Repeated)
+        why << QStringLiteral("Dorsal repetido en la lista");
+    if (p & finishedit::NotEntered)
+        why << QStringLiteral("Dorsal que no está en el orden de salida");
+    const QColor colour = p & finishedit::Repeated     ? repeatedColour
+                          : p & finishedit::NotEntered ? notEnteredColour
+                          : p & finishedit::NoBib      ? noBibColour
+                                                       : QColor();
+    if (item->background().color() != colour || item->background().style() == Qt::NoBrush)
+        item->setBackground(colour.isValid() ? QBrush(colour) : QBrush());
+    item->setToolTip(why.join(u'\n'));
+}
+
+void FormMarvolendo::placeBibStatus()
+{
+    const QRect list = List1->geometry();
+    estadoDorsales->setGeometry(list.x(), list.bottom() + 1, list.width(), look::px(150));
+    estadoDorsales->setVisible(!List1->isHidden() && !estadoDorsales->text().isEmpty());
+}
