@@ -246,7 +246,7 @@ private:
     void pushEdit(const RaceChange& redo, const RaceChange& undo, const QString& text,
                   bool firstMayChange);
     void settleEdit(bool firstMayChange);
-    void relabel();
+    void relabel(bool firstMayChange);
     void checkBibs(const RaceChange& change);
     void colourBibLine(int row);
     void placeBibStatus();

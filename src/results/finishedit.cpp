@@ -179,7 +179,7 @@ void FormMarvolendo::removeFinish()
         return;
     pushEdit(RaceChange::remove(row),
              RaceChange::insert(row, race.combo1().value(row), race.list1()[row]),
-             QStringLiteral("Borrar llegada"), row == 0);
+             QStringLiteral("Borrar llegada"), row == 0 && number(modoCaptura) != 1);
 }
 
 void FormMarvolendo::addFinish()
@@ -232,10 +232,13 @@ void FormMarvolendo::addFinish()
     const std::optional<QString> first =
         list1.isEmpty() ? std::nullopt : finishedit::list1Time(list1.first());
     const double firstHours = at == 0 || !first ? hours : timevalue::decimalMil(*first);
+    // In the bibs-and-times mode the clock's difference stands still, and so does a Lap's.
+    const bool differenceRuns = number(modoCaptura) != 1;
     const finishedit::FinishLines lines = finishedit::linesOf(
-        at + 1, bib, hours, firstHours, static_cast<TimeFormat>(format));
+        at + 1, bib, hours, firstHours, static_cast<TimeFormat>(format),
+        differenceRuns ? std::nullopt : std::optional<QString>(Label7->text()));
     pushEdit(RaceChange::insert(at, lines.combo1, lines.list1), RaceChange::remove(at),
-             QStringLiteral("Añadir llegada"), at == 0);
+             QStringLiteral("Añadir llegada"), at == 0 && differenceRuns);
 }
 
 void FormMarvolendo::pushEdit(const RaceChange& redo, const RaceChange& undo, const QString& text,
@@ -258,11 +261,13 @@ void FormMarvolendo::settleEdit(bool firstMayChange)
         if (combo1 != race.combo1() || list1 != race.list1())
             race.apply(RaceChange::results(combo1, list1));
     }
-    relabel();
+    relabel(firstMayChange);
     guardarEstado();
 }
 
-void FormMarvolendo::relabel()
+// The captions a Lap leaves, from the lines: the rank counter, the last finisher and, when it
+// may have changed, the first (its time known to the precision the lines keep).
+void FormMarvolendo::relabel(bool firstMayChange)
 {
     const QStringList& list1 = race.list1();
     Label2->setText(basic::digits(double(list1.size())));
@@ -272,11 +277,13 @@ void FormMarvolendo::relabel()
         const std::optional<QString> first = finishedit::list1Time(list1.first());
         const std::optional<QString> last = finishedit::list1Time(list1.last());
         if (first && last) {
-            tempsPrimer = *first;
-            if (number(modoCaptura) != 1) {
-                Label4->setText(resultline::cutTime(*first, f, resultline::Target::List1));
-                Label5->setText(resultline::cutTime(*last, f, resultline::Target::List1));
+            if (firstMayChange) {
+                tempsPrimer = timevalue::tempsexaMil(timevalue::decimalMil(*first));
+                if (number(modoCaptura) != 1)
+                    Label4->setText(resultline::cutTime(*first, f, resultline::Target::List1));
             }
+            if (number(modoCaptura) != 1)
+                Label5->setText(resultline::cutTime(*last, f, resultline::Target::List1));
             const QString& lastCombo = race.combo1().last();
             const qsizetype separator = lastCombo.indexOf(QLatin1String(" - "), 6);
             if (separator > 0)

@@ -48,16 +48,22 @@ std::optional<QString> combo1Time(QStringView line)
     return timeAt(line, combo1TimeAt);
 }
 
-FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format)
+FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format,
+                    const std::optional<QString>& standingDifference)
 {
     using resultline::Target;
     const QString time = timevalue::tempsexaMil(hours);
     const QString r = basic::field4(rank);
+    const auto diff = [&](Target target) {
+        return standingDifference
+                   ? resultline::cutDifference(*standingDifference, format, target)
+                   : difference(hours, firstHours, format, target);
+    };
     return {resultline::comboLine(r, resultline::cutTime(time, format, Target::Combo1),
-                                  difference(hours, firstHours, format, Target::Combo1)),
+                                  diff(Target::Combo1)),
             resultline::fullLine(r, resultline::bibField(bib),
                                  resultline::cutTime(time, format, Target::List1),
-                                 difference(hours, firstHours, format, Target::List1))};
+                                 diff(Target::List1))};
 }
 
 int insertionIndex(const QStringList& list1, double hours)

@@ -26,12 +26,14 @@ std::optional<QString> list1Time(QStringView line);
 std::optional<QString> combo1Time(QStringView line);
 
 // The two lines a Lap at `hours` writes as rank `rank`, with the bib typed as `bib` and the
-// first finisher at `firstHours`.
+// first finisher at `firstHours`. Where the clock's difference does not run (the bibs-and-times
+// mode) the Lap writes the difference caption as it stands: `standingDifference`.
 struct FinishLines {
     QString combo1;
     QString list1;
 };
-FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format);
+FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format,
+                    const std::optional<QString>& standingDifference = std::nullopt);
 
 // The index a finish at `hours` takes: after every line whose time is not later.
 int insertionIndex(const QStringList& list1, double hours);
