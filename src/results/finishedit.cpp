@@ -231,7 +231,7 @@ void FormMarvolendo::addFinish()
     const int at = finishedit::insertionIndex(list1, hours);
     const std::optional<QString> first =
         list1.isEmpty() ? std::nullopt : finishedit::list1Time(list1.first());
-    const double firstHours = at == 0 || !first ? hours : timevalue::decimalMil(*first);
+    const double firstHours = at == 0 || !first ? hours : finishedit::hoursOf(*first);
     // In the bibs-and-times mode the clock's difference stands still, and so does a Lap's.
     const bool differenceRuns = number(modoCaptura) != 1;
     const finishedit::FinishLines lines = finishedit::linesOf(
@@ -278,7 +278,7 @@ void FormMarvolendo::relabel(bool firstMayChange)
         const std::optional<QString> last = finishedit::list1Time(list1.last());
         if (first && last) {
             if (firstMayChange) {
-                tempsPrimer = timevalue::tempsexaMil(timevalue::decimalMil(*first));
+                tempsPrimer = timevalue::tempsexaMil(finishedit::hoursOf(*first));
                 if (number(modoCaptura) != 1)
                     Label4->setText(resultline::cutTime(*first, f, resultline::Target::List1));
             }

@@ -1,6 +1,7 @@
 #include "finishedit.h"
 
 #include "base/basic.h"
+#include "chrono/core/startat.h"
 #include "results/core/resultline.h"
 
 #include <algorithm>
@@ -32,6 +33,12 @@ QString difference(double hours, double firstHours, TimeFormat format, resultlin
 }
 
 } // namespace
+
+double hoursOf(const QString& time)
+{
+    const std::optional<double> seconds = startat::parseTimeOfDay(time);
+    return seconds ? *seconds / timevalue::secondsPerHour : timevalue::decimalMil(time);
+}
 
 double bibOf(QStringView list1Line)
 {
@@ -71,7 +78,7 @@ int insertionIndex(const QStringList& list1, double hours)
     // The lines are in time order: the first one later than the new time.
     const auto later = std::partition_point(list1.begin(), list1.end(), [&](const QString& l) {
         const std::optional<QString> t = list1Time(l);
-        return !t || timevalue::decimalMil(*t) <= hours;
+        return !t || hoursOf(*t) <= hours;
     });
     return static_cast<int>(later - list1.begin());
 }
@@ -84,16 +91,16 @@ void recomputeDifferences(QStringList& combo1, QStringList& list1, TimeFormat fo
     const std::optional<QString> first = list1Time(list1.first());
     if (!first)
         return;
-    const double firstHours = timevalue::decimalMil(*first);
+    const double firstHours = hoursOf(*first);
     for (QString& line : list1) {
         if (const std::optional<QString> t = list1Time(line))
             line = line.left(list1TimeAt) + *t + separator +
-                   difference(timevalue::decimalMil(*t), firstHours, format, Target::List1);
+                   difference(hoursOf(*t), firstHours, format, Target::List1);
     }
     for (QString& line : combo1) {
         if (const std::optional<QString> t = combo1Time(line))
             line = line.left(combo1TimeAt) + *t + separator +
-                   difference(timevalue::decimalMil(*t), firstHours, format, Target::Combo1);
+                   difference(hoursOf(*t), firstHours, format, Target::Combo1);
     }
 }
 

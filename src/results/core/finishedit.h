@@ -35,6 +35,9 @@ struct FinishLines {
 FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format,
                     const std::optional<QString>& standingDifference = std::nullopt);
 
+// A line's time text in hours, its hundredths or thousandths included.
+double hoursOf(const QString& time);
+
 // The index a finish at `hours` takes: after every line whose time is not later.
 int insertionIndex(const QStringList& list1, double hours);
 

@@ -256,4 +256,4 @@ void FinishEditTest::bibChecks()
 }
 
 QTEST_MAIN(FinishEditTest)
-#include "tst_finishedit.moc"
+#include "tst_resultsediting.moc"
