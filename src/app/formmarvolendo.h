@@ -248,6 +248,8 @@ private:
     void settleEdit(bool firstMayChange);
     void relabel(bool firstMayChange);
     void checkBibs(const RaceChange& change);
+    void recheckAllBibs();
+    void showBibCounts();
     void colourBibLine(int row);
     void placeBibStatus();
 

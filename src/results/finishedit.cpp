@@ -19,6 +19,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -208,8 +209,7 @@ void FormMarvolendo::addFinish()
     }
     const QString bib = answers[1].trimmed();
     double bibValue = 0;
-    if (!bib.isEmpty() &&
-        (!basic::isNumber(bib, &bibValue) || bibValue < 0 || bibValue > 9999)) {
+    if (!bib.isEmpty() && (!basic::isNumber(bib, &bibValue) || bibValue < 0 || bibValue > 9999)) {
         dialogs.warn(this, QStringLiteral("Añadir llegada"),
                      QStringLiteral("«%1» no es un dorsal válido (de 0 a 9999).").arg(bib));
         return;
@@ -217,9 +217,9 @@ void FormMarvolendo::addFinish()
     // Not later than the race clock reads now.
     const double hours = *seconds / timevalue::secondsPerHour;
     const double now =
-        inicio != 0 ? (anchorElapsed + clock.monotonic() - anchorMono) / timevalue::secondsPerHour +
-                          desfase
-                    : timevalue::decimalMil(Label1->text()) + 0.999 / timevalue::secondsPerHour;
+        inicio != 0
+            ? (anchorElapsed + clock.monotonic() - anchorMono) / timevalue::secondsPerHour + desfase
+            : timevalue::decimalMil(Label1->text()) + 0.999 / timevalue::secondsPerHour;
     if (hours > now) {
         dialogs.warn(this, QStringLiteral("Añadir llegada"),
                      QStringLiteral("El tiempo %1 es posterior al reloj de la carrera: no se ha "
@@ -234,9 +234,9 @@ void FormMarvolendo::addFinish()
     const double firstHours = at == 0 || !first ? hours : finishedit::hoursOf(*first);
     // In the bibs-and-times mode the clock's difference stands still, and so does a Lap's.
     const bool differenceRuns = number(modoCaptura) != 1;
-    const finishedit::FinishLines lines = finishedit::linesOf(
-        at + 1, bib, hours, firstHours, static_cast<TimeFormat>(format),
-        differenceRuns ? std::nullopt : std::optional<QString>(Label7->text()));
+    const finishedit::FinishLines lines =
+        finishedit::linesOf(at + 1, bib, hours, firstHours, static_cast<TimeFormat>(format),
+                            differenceRuns ? std::nullopt : std::optional<QString>(Label7->text()));
     pushEdit(RaceChange::insert(at, lines.combo1, lines.list1), RaceChange::remove(at),
              QStringLiteral("Añadir llegada"), at == 0 && differenceRuns);
 }
@@ -254,13 +254,8 @@ void FormMarvolendo::pushEdit(const RaceChange& redo, const RaceChange& undo, co
 void FormMarvolendo::settleEdit(bool firstMayChange)
 {
     const int format = checkedFormat();
-    if (firstMayChange && format >= 0) {
-        QStringList combo1 = race.combo1();
-        QStringList list1 = race.list1();
-        finishedit::recomputeDifferences(combo1, list1, static_cast<TimeFormat>(format));
-        if (combo1 != race.combo1() || list1 != race.list1())
-            race.apply(RaceChange::results(combo1, list1));
-    }
+    if (firstMayChange && format >= 0 && !race.list1().isEmpty())
+        race.apply(RaceChange::differences(format));
     relabel(firstMayChange);
     guardarEstado();
 }
@@ -310,7 +305,8 @@ void FormMarvolendo::relabel(bool firstMayChange)
 void FormMarvolendo::checkBibs(const RaceChange& change)
 {
     using Kind = RaceChange::Kind;
-    if (change.kind == Kind::Captions)
+    // Neither changes a bib, and the lines keep their items: their colours stand.
+    if (change.kind == Kind::Captions || change.kind == Kind::Differences)
         return;
     if (change.kind == Kind::Finish) {
         if (!change.hasLines)
@@ -321,13 +317,30 @@ void FormMarvolendo::checkBibs(const RaceChange& change)
         for (const int row : bibChecks.rewrite(change.index, change.list1Line))
             colourBibLine(row);
     } else {
-        std::optional<QSet<int>> entered;
-        if (!race.list2().isEmpty())
-            entered = finishedit::bibsOfStartOrder(race.list2());
-        bibChecks.reset(race.list1(), entered);
+        recheckAllBibs();
+        return;
+    }
+    showBibCounts();
+}
+
+void FormMarvolendo::recheckAllBibs()
+{
+    std::optional<QSet<int>> entered;
+    if (!race.list2().isEmpty())
+        entered = finishedit::bibsOfStartOrder(race.list2());
+    bibChecks.reset(race.list1(), entered);
+    {
+        // One repaint for the whole list, not one a line.
+        const QSignalBlocker quiet(List1->model());
         for (int row = 0; row < List1->count(); ++row)
             colourBibLine(row);
     }
+    List1->viewport()->update();
+    showBibCounts();
+}
+
+void FormMarvolendo::showBibCounts()
+{
     QStringList counts;
     if (bibChecks.noBib() > 0)
         counts << QStringLiteral("sin dorsal: %1").arg(bibChecks.noBib());
@@ -346,6 +359,9 @@ void FormMarvolendo::colourBibLine(int row)
     if (!item)
         return;
     const int p = bibChecks.problem(row);
+    // Most lines are fine and stay as they are: nothing to write.
+    if (p == finishedit::NoProblem && item->background().style() == Qt::NoBrush)
+        return;
     QStringList why;
     if (p & finishedit::NoBib)
         why << QStringLiteral("Llegada sin dorsal");

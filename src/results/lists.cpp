@@ -24,17 +24,47 @@ void showLast(QComboBox* combo)
     combo->setCurrentIndex(combo->count() - 1);
 }
 
-// The texts of the lines from `from` on, after a removal or an insertion renumbered them.
-void refresh(QListWidget* list, const QStringList& lines, int from)
+// The list made to show `lines` again after a line left it (count one more than the lines),
+// came in (one less) or the texts changed in place, from row `from` on. The items stay where
+// they are and only their texts move, and one line is dropped or added at the end: an item
+// that changes row has to be looked for by the list on every later change, which over
+// thousands of lines costs far more than moving texts. The views are told once, with a
+// repaint: the lines keep their length, so nothing needs a new layout.
+void follow(QListWidget* list, const QStringList& lines, int from)
 {
-    for (int i = from; i < list->count(); ++i)
-        list->item(i)->setText(lines[i]);
+    const int n = static_cast<int>(lines.size());
+    while (list->count() > n)
+        delete list->takeItem(list->count() - 1);
+    if (list->count() < n)
+        list->addItem(lines.last());
+    {
+        const QSignalBlocker quiet(list->model());
+        for (int i = from; i < n; ++i) {
+            QListWidgetItem* item = list->item(i);
+            if (item->text() != lines[i])
+                item->setText(lines[i]);
+        }
+    }
+    list->viewport()->update();
 }
 
-void refresh(QComboBox* combo, const QStringList& lines, int from)
+void follow(QComboBox* combo, const QStringList& lines, int from)
 {
-    for (int i = from; i < combo->count(); ++i)
-        combo->setItemText(i, lines[i]);
+    const int current = combo->currentIndex();
+    const int n = static_cast<int>(lines.size());
+    while (combo->count() > n)
+        combo->removeItem(combo->count() - 1);
+    if (combo->count() < n)
+        combo->addItem(lines.last());
+    {
+        const QSignalBlocker quiet(combo->model());
+        for (int i = from; i < n; ++i) {
+            if (combo->itemText(i) != lines[i])
+                combo->setItemText(i, lines[i]);
+        }
+    }
+    combo->setCurrentIndex(std::min(current, combo->count() - 1));
+    combo->update();
 }
 
 } // namespace
@@ -55,17 +85,13 @@ void FormMarvolendo::showChange(const RaceChange& c)
         List1->item(c.index)->setText(c.list1Line);
         break;
     case Kind::Remove:
-        delete List1->takeItem(c.index);
-        Combo1->removeItem(c.index);
-        refresh(List1, race.list1(), c.index);
-        refresh(Combo1, race.combo1(), c.index);
-        break;
     case Kind::Insert:
-        List1->insertItem(c.index, c.list1Line);
-        Combo1->insertItem(c.index, c.combo1Line);
-        refresh(List1, race.list1(), c.index + 1);
-        refresh(Combo1, race.combo1(), c.index + 1);
+    case Kind::Differences: {
+        const int from = c.kind == Kind::Differences ? 0 : c.index;
+        follow(List1, race.list1(), from);
+        follow(Combo1, race.combo1(), from);
         break;
+    }
     case Kind::StartOrder:
         List2->addItems(c.lines);
         break;
@@ -77,16 +103,6 @@ void FormMarvolendo::showChange(const RaceChange& c)
         List1->clear();
         // What could be taken back belongs to the race that is gone.
         undoStack.clear();
-        break;
-    case Kind::Results:
-        for (int i = 0; i < List1->count(); ++i) {
-            if (List1->item(i)->text() != c.list1Lines[i])
-                List1->item(i)->setText(c.list1Lines[i]);
-        }
-        for (int i = 0; i < Combo1->count(); ++i) {
-            if (Combo1->itemText(i) != c.lines[i])
-                Combo1->setItemText(i, c.lines[i]);
-        }
         break;
     case Kind::Captions:
         break;
@@ -103,5 +119,5 @@ void FormMarvolendo::showRestored()
     List2->clear();
     List2->addItems(race.list2());
     undoStack.clear();
-    checkBibs(RaceChange::of(RaceChange::Kind::Results));
+    recheckAllBibs();
 }

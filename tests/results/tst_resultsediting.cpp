@@ -55,7 +55,8 @@ QList<QByteArray> files(FormFixture& f)
     f.button("Command6")->click();
     f.button("Command5")->click();
     QList<QByteArray> out{f.readFile("MARVO.dat")};
-    for (const char* name : {"Tiempos-Marvo.txt", "dorsales-Tiempos-Marvo.txt", "dorsales-Marvo.txt"})
+    for (const char* name :
+         {"Tiempos-Marvo.txt", "dorsales-Tiempos-Marvo.txt", "dorsales-Marvo.txt"})
         out << f.readFile(QStringLiteral("C/Carreras/copias/") + name);
     return out;
 }
@@ -158,22 +159,24 @@ void FinishEditTest::timeFirstBibsAfter()
 
 void FinishEditTest::captionsAfterAnEdit_data()
 {
-    QTest::addColumn<QString>("edit"); // "remove N" or "add time"
+    QTest::addColumn<QString>("edit");         // "remove N" or "add time"
     QTest::addColumn<QStringList>("expected"); // List1, then Label2, Label4, Label5, Label8
-    QTest::newRow("first removed")
-        << "remove 0"
-        << QStringList{"   1- 112- 00:14:02:500 - 0:00:00:000", "1", "00:14:02:500",
-                       "00:14:02:500", "0:00:00:000"};
-    QTest::newRow("last removed")
-        << "remove 1"
-        << QStringList{"   1-  57- 00:12:30:125 - 0:00:00:000", "1", "00:00:00:000",
-                       "00:12:30:125", "0:00:00:000"}; // the first finisher's label untouched
-    QTest::newRow("added before the first")
-        << "add 0:12:00"
-        << QStringList{"   1-   9- 00:12:00:000 - 0:00:00:000",
-                       "   2-  57- 00:12:30:125 - 0:00:30:125",
-                       "   3- 112- 00:14:02:500 - 0:02:02:500", "3", "00:12:00:000",
-                       "00:14:02:500", "0:02:02:500"};
+    QTest::newRow("first removed") << "remove 0"
+                                   << QStringList{"   1- 112- 00:14:02:500 - 0:00:00:000", "1",
+                                                  "00:14:02:500", "00:14:02:500", "0:00:00:000"};
+    QTest::newRow("last removed") << "remove 1"
+                                  << QStringList{
+                                         "   1-  57- 00:12:30:125 - 0:00:00:000", "1",
+                                         "00:00:00:000", "00:12:30:125",
+                                         "0:00:00:000"}; // the first finisher's label untouched
+    QTest::newRow("added before the first") << "add 0:12:00"
+                                            << QStringList{"   1-   9- 00:12:00:000 - 0:00:00:000",
+                                                           "   2-  57- 00:12:30:125 - 0:00:30:125",
+                                                           "   3- 112- 00:14:02:500 - 0:02:02:500",
+                                                           "3",
+                                                           "00:12:00:000",
+                                                           "00:14:02:500",
+                                                           "0:02:02:500"};
 }
 
 void FinishEditTest::captionsAfterAnEdit()

@@ -57,12 +57,12 @@ public:
         QString title;
         QString text;
     };
-    QList<int> answers;      // answers to confirm/ask, in order
-    QStringList files;       // answers to openFile, in order ("" cancels)
-    QStringList texts;       // answers to askText, in order ("" cancels)
+    QList<int> answers;              // answers to confirm/ask, in order
+    QStringList files;               // answers to openFile, in order ("" cancels)
+    QStringList texts;               // answers to askText, in order ("" cancels)
     QList<QStringList> fieldAnswers; // answers to askFields, in order ({} cancels)
-    QList<Shown> shown;      // every dialog shown, in order
-    bool unexpected = false; // a dialog came without a scripted answer
+    QList<Shown> shown;              // every dialog shown, in order
+    bool unexpected = false;         // a dialog came without a scripted answer
     FileRequest lastRequest;
 
     int confirm(QWidget*, const QString& title, const QString& text) override

@@ -189,16 +189,8 @@ std::optional<RaceChange> changeOf(char kind, const QList<QByteArrayView>& f)
         c = RaceChange::of(Kind::StartOrderEmptied);
     } else if (kind == 'C' && f.size() == 1) {
         c = RaceChange::of(Kind::ResultsEmptied);
-    } else if (kind == 'T' && f.size() >= 2) {
-        const int n = index(1);
-        if (!ok || f.size() != 2 + 2 * qsizetype(n))
-            return std::nullopt;
-        QStringList combo1, list1;
-        for (int i = 0; i < n; ++i) {
-            combo1 << unescape(f[2 + i]);
-            list1 << unescape(f[2 + n + i]);
-        }
-        c = RaceChange::results(combo1, list1);
+    } else if (kind == 'D' && f.size() == 2) {
+        c = RaceChange::differences(index(1));
     } else if (kind == 'L' && f.size() == 6) {
         c = RaceChange::of(Kind::Captions);
         c.label2 = unescape(f[1]);
@@ -258,11 +250,8 @@ QByteArray encodeChange(const RaceChange& c)
         return entry('Z', {});
     case Kind::ResultsEmptied:
         return entry('C', {});
-    case Kind::Results: {
-        QStringList f{QString::number(c.lines.size())};
-        f << c.lines << c.list1Lines;
-        return entry('T', f);
-    }
+    case Kind::Differences:
+        return entry('D', {QString::number(c.index)});
     case Kind::Captions:
         return entry('L', {c.label2, c.tempsPrimer, c.label4, c.label5, c.label8});
     }

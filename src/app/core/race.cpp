@@ -1,6 +1,7 @@
 #include "race.h"
 
 #include "base/basic.h"
+#include "results/core/finishedit.h"
 
 RaceChange RaceChange::bib(int index, const QString& list1Line)
 {
@@ -33,11 +34,10 @@ RaceChange RaceChange::startOrder(const QStringList& lines)
     return c;
 }
 
-RaceChange RaceChange::results(const QStringList& combo1, const QStringList& list1)
+RaceChange RaceChange::differences(int format)
 {
-    RaceChange c = of(Kind::Results);
-    c.lines = combo1;
-    c.list1Lines = list1;
+    RaceChange c = of(Kind::Differences);
+    c.index = format;
     return c;
 }
 
@@ -50,7 +50,9 @@ RaceChange RaceChange::of(Kind kind)
 
 QString withRank(const QString& line, int rank)
 {
-    return basic::field4(rank) + line.mid(4);
+    // A whole rank is written as field4 writes it; integer formatting keeps renumbering ten
+    // thousand lines cheap.
+    return basic::rightAlign4(QString::number(rank)) + line.mid(4);
 }
 
 namespace
@@ -61,7 +63,11 @@ void shiftRanks(QStringList& lines, qsizetype from, int step)
 {
     for (qsizetype i = from; i < lines.size(); ++i) {
         QString& line = lines[i];
-        line = withRank(line, static_cast<int>(basic::val(basic::left(line, 4))) + step);
+        bool whole = false;
+        const int rank =
+            QStringView(line).first(std::min<qsizetype>(4, line.size())).trimmed().toInt(&whole);
+        line = whole ? withRank(line, rank + step)
+                     : withRank(line, static_cast<int>(basic::val(basic::left(line, 4))) + step);
     }
 }
 
@@ -108,11 +114,10 @@ bool applyChange(RaceLines& l, const RaceChange& c)
         l.combo1.clear();
         l.list1.clear();
         return true;
-    case Kind::Results:
-        if (c.lines.size() != l.combo1.size() || c.list1Lines.size() != l.list1.size())
+    case Kind::Differences:
+        if (c.index < 0 || c.index > 2)
             return false;
-        l.combo1 = c.lines;
-        l.list1 = c.list1Lines;
+        finishedit::recomputeDifferences(l.combo1, l.list1, static_cast<TimeFormat>(c.index));
         return true;
     case Kind::Captions:
         return true;

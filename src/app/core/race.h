@@ -17,8 +17,8 @@ struct RaceChange {
         StartOrder,        // lines appended to List2
         StartOrderEmptied, // List2 emptied
         ResultsEmptied,    // Combo1 and List1 emptied
-        Results,           // Combo1 and List1 rewritten whole (same count): `lines` for
-                           // Combo1, `list1Lines` for List1
+        Differences,       // every difference written again against the first finisher's
+                           // time, in the time format `index`
         Captions,          // no line changes: the captions below, set again after an edit
     };
     Kind kind = Kind::Finish;
@@ -27,9 +27,8 @@ struct RaceChange {
     QString combo1Line;
     QString list1Line;
     QStringList lines;
-    QStringList list1Lines;
-    // The captions a finish (or a Captions change) sets: the rank counter, the first finisher's time and its label,
-    // the last finisher's time and difference.
+    // The captions a finish (or a Captions change) sets: the rank counter, the first finisher's
+    // time and its label, the last finisher's time and difference.
     QString label2;
     QString tempsPrimer;
     QString label4;
@@ -40,7 +39,7 @@ struct RaceChange {
     static RaceChange remove(int index);
     static RaceChange insert(int index, const QString& combo1Line, const QString& list1Line);
     static RaceChange startOrder(const QStringList& lines);
-    static RaceChange results(const QStringList& combo1, const QStringList& list1);
+    static RaceChange differences(int format);
     static RaceChange of(Kind kind);
 };
 

@@ -55,6 +55,19 @@ QString tempsexaMil(double tempsdeci)
     // Only the last two digits of the hours are shown; keep the number small enough to print
     // while keeping those digits and the sign.
     h = std::fmod(h, 1000.0);
+    if (h >= 0 && m >= 0 && s >= 0 && ms >= 0) {
+        // The usual case, written digit by digit: the clock tick and every line go through here.
+        const auto hh = static_cast<int>(h) % 100;
+        const auto mm = static_cast<int>(m);
+        const auto ss = static_cast<int>(s);
+        const auto mmm = static_cast<int>(ms);
+        const char16_t text[12] = {
+            char16_t(u'0' + hh / 10),   char16_t(u'0' + hh % 10),       u':',
+            char16_t(u'0' + mm / 10),   char16_t(u'0' + mm % 10),       u':',
+            char16_t(u'0' + ss / 10),   char16_t(u'0' + ss % 10),       u':',
+            char16_t(u'0' + mmm / 100), char16_t(u'0' + mmm / 10 % 10), char16_t(u'0' + mmm % 10)};
+        return QString(reinterpret_cast<const QChar*>(text), 12);
+    }
     return lastDigits(h, 2) + u':' + lastDigits(m, 2) + u':' + lastDigits(s, 2) + u':' +
            lastDigits(ms, 3);
 }

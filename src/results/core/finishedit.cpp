@@ -36,12 +36,52 @@ QString difference(double hours, double firstHours, TimeFormat format, resultlin
 
 double hoursOf(const QString& time)
 {
+    // The forms the clock writes, hh:mm:ss with :cc or :mmm, read by position.
+    const qsizetype n = time.size();
+    const auto digitsAt = [&](qsizetype at, qsizetype count) {
+        int v = 0;
+        for (qsizetype i = at; i < at + count; ++i) {
+            const char16_t c = time[i].unicode();
+            if (c < u'0' || c > u'9')
+                return -1;
+            v = v * 10 + (c - u'0');
+        }
+        return v;
+    };
+    if ((n == 8 || n == 11 || n == 12) && time[2] == u':' && time[5] == u':' &&
+        (n == 8 || time[8] == u':')) {
+        const int h = digitsAt(0, 2);
+        const int m = digitsAt(3, 2);
+        const int s = digitsAt(6, 2);
+        const int f = n == 8 ? 0 : digitsAt(9, n - 9);
+        if (h >= 0 && m >= 0 && s >= 0 && f >= 0) {
+            const double fraction = n == 11 ? f / 100.0 : f / 1000.0;
+            return (h * 3600.0 + m * 60.0 + s + fraction) / timevalue::secondsPerHour;
+        }
+    }
     const std::optional<double> seconds = startat::parseTimeOfDay(time);
     return seconds ? *seconds / timevalue::secondsPerHour : timevalue::decimalMil(time);
 }
 
 double bibOf(QStringView list1Line)
 {
+    // The usual field, blanks then digits, read at once; anything else as Val reads it.
+    if (list1Line.size() >= 9) {
+        int v = 0;
+        bool digits = false;
+        bool plain = true;
+        for (qsizetype i = 5; i < 9 && plain; ++i) {
+            const char16_t c = list1Line[i].unicode();
+            if (c >= u'0' && c <= u'9') {
+                v = v * 10 + (c - u'0');
+                digits = true;
+            } else if (c != u' ' || digits) {
+                plain = false;
+            }
+        }
+        if (plain)
+            return v;
+    }
     return basic::val(basic::mid(list1Line, 6, 4));
 }
 
@@ -62,9 +102,8 @@ FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, 
     const QString time = timevalue::tempsexaMil(hours);
     const QString r = basic::field4(rank);
     const auto diff = [&](Target target) {
-        return standingDifference
-                   ? resultline::cutDifference(*standingDifference, format, target)
-                   : difference(hours, firstHours, format, target);
+        return standingDifference ? resultline::cutDifference(*standingDifference, format, target)
+                                  : difference(hours, firstHours, format, target);
     };
     return {resultline::comboLine(r, resultline::cutTime(time, format, Target::Combo1),
                                   diff(Target::Combo1)),
@@ -92,15 +131,20 @@ void recomputeDifferences(QStringList& combo1, QStringList& list1, TimeFormat fo
     if (!first)
         return;
     const double firstHours = hoursOf(*first);
-    for (QString& line : list1) {
-        if (const std::optional<QString> t = list1Time(line))
-            line = line.left(list1TimeAt) + *t + separator +
-                   difference(hoursOf(*t), firstHours, format, Target::List1);
-    }
-    for (QString& line : combo1) {
-        if (const std::optional<QString> t = combo1Time(line))
-            line = line.left(combo1TimeAt) + *t + separator +
-                   difference(hoursOf(*t), firstHours, format, Target::Combo1);
+    for (qsizetype i = 0; i < list1.size(); ++i) {
+        QString& line = list1[i];
+        const std::optional<QString> t = list1Time(line);
+        if (!t)
+            continue;
+        // Both lines of a finish carry the same difference: worked out once.
+        const QString d = difference(hoursOf(*t), firstHours, format, Target::List1);
+        line = line.left(list1TimeAt) + *t + separator + d;
+        if (i < combo1.size()) {
+            QString& other = combo1[i];
+            if (const std::optional<QString> ct = combo1Time(other))
+                other = other.left(combo1TimeAt) + *ct + separator +
+                        resultline::cutDifference(d, format, Target::Combo1);
+        }
     }
 }
 

@@ -22,8 +22,8 @@ void FinishEditCoreTest::linesOfAFinish_data()
     QTest::addColumn<int>("beforeTwelve"); // where a finish at 0:00:12 goes among two of these
     // Rank 2, bib 23, at 0:00:12.25 with the first at 0:00:09.9: the difference is cut from
     // the exact one, as the running clock's is.
-    QTest::newRow("Segundos") << 0 << "   2- 00:00:12 - 0:00:02" << "   2-  23- 00:00:12 - 0:00:02"
-                              << 2;
+    QTest::newRow("Segundos") << 0 << "   2- 00:00:12 - 0:00:02"
+                              << "   2-  23- 00:00:12 - 0:00:02" << 2;
     QTest::newRow("Centesimas") << 1 << "   2- 00:00:12:25 - 0:00:02:35"
                                 << "   2-  23- 00:00:12:25 - 0:00:02:35" << 0;
     QTest::newRow("Milesimas") << 2 << "   2- 00:00:12:250 - 0:00:02:350"
@@ -36,8 +36,8 @@ void FinishEditCoreTest::linesOfAFinish()
     QFETCH(QString, combo1);
     QFETCH(QString, list1);
     QFETCH(int, beforeTwelve);
-    const auto lines = finishedit::linesOf(2, u"23", 12.25 / 3600, 9.9 / 3600,
-                                           static_cast<TimeFormat>(format));
+    const auto lines =
+        finishedit::linesOf(2, u"23", 12.25 / 3600, 9.9 / 3600, static_cast<TimeFormat>(format));
     QCOMPARE(lines.combo1, combo1);
     QCOMPARE(lines.list1, list1);
     QCOMPARE(finishedit::insertionIndex({list1, list1}, 12.25 / 3600), 2);
@@ -46,8 +46,8 @@ void FinishEditCoreTest::linesOfAFinish()
 
 void FinishEditCoreTest::differencesAgainstANewFirst()
 {
-    QStringList list1{"   1-  23- 00:00:12:250 - 0:00:02:350", "   2-  57- 00:01:02:000 - 0:00:52:100",
-                      "   3-   4"};
+    QStringList list1{"   1-  23- 00:00:12:250 - 0:00:02:350",
+                      "   2-  57- 00:01:02:000 - 0:00:52:100", "   3-   4"};
     QStringList combo1{"   1- 00:00:12:250 - 0:00:02:350", "   2- 00:01:02:000 - 0:00:52:100",
                        "   3-   4"};
     finishedit::recomputeDifferences(combo1, list1, TimeFormat::Milesimas);
@@ -65,7 +65,9 @@ void FinishEditCoreTest::bibChecksLineByLineMatchTheWholeList()
     finishedit::BibChecks kept;
     kept.reset({}, entered);
     QStringList list1;
-    const auto line = [&](int bib) { return QStringLiteral("%1-%2- 00:00:01").arg(1, 4).arg(bib, 4); };
+    const auto line = [&](int bib) {
+        return QStringLiteral("%1-%2- 00:00:01").arg(1, 4).arg(bib, 4);
+    };
     for (int step = 0; step < 400; ++step) {
         const int bib = random.bounded(8); // 0 (no bib), entered, and not entered
         if (list1.isEmpty() || random.bounded(3) > 0) {
