@@ -24,6 +24,7 @@ private slots:
     void timeFirstBibsAfter();
     void captionsAfterAnEdit_data();
     void captionsAfterAnEdit();
+    void editsComeBackAfterACrash();
     void refusedAdditions();
     void bibChecks();
 };
@@ -206,6 +207,34 @@ void FinishEditTest::captionsAfterAnEdit()
     f.trigger("deshacer");
     QCOMPARE(f.lines("List1"), stoppedRace(2, 0).list1);
     QCOMPARE(f.label("Label2")->text(), QStringLiteral("2"));
+}
+
+void FinishEditTest::editsComeBackAfterACrash()
+{
+    FormFixture f;
+    f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 0)));
+    f.open();
+    for (int i = 0; i < 21; ++i)
+        f.click("Command2(0)");
+    select(f, 0);
+    f.dialogs.answers = {Dialogs::Ok};
+    f.trigger("borrar");
+    f.dialogs.fieldAnswers = {{"0:12:00,5", ""}, {"0:20:00", "31"}};
+    f.trigger("anadir");
+    f.trigger("anadir");
+    f.trigger("asignar");
+    f.type("asignarDorsal", "27\n");
+    QStringList before = f.lines("List1") + f.comboLines();
+    for (const char* l : {"Label2", "Label4", "Label5", "Label8"})
+        before << f.label(l)->text();
+    f.close(); // no normal end
+    f.dialogs.answers = {Dialogs::Yes};
+    f.open();
+    QStringList after = f.lines("List1") + f.comboLines();
+    for (const char* l : {"Label2", "Label4", "Label5", "Label8"})
+        after << f.label(l)->text();
+    QCOMPARE(after, before);
+    QCOMPARE(f.lines("List1").first(), QStringLiteral("   1-  27- 00:12:00:500 - 0:00:00:000"));
 }
 
 void FinishEditTest::refusedAdditions()
