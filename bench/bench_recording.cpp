@@ -65,6 +65,7 @@ public:
     {
         return ++shown, QStringList();
     }
+    void inform(QWidget*, const QString&, const QString&) override {}
 };
 
 // Times work(); withRedraw also counts the events it leaves pending (the redraw).

@@ -51,6 +51,7 @@ public:
     QString openFile(QWidget*, const FileRequest&) override { return {}; }
     QString askText(QWidget*, const QString&, const QString&) override { return text; }
     QStringList askFields(QWidget*, const QString&, const QStringList&) override { return {}; }
+    void inform(QWidget*, const QString&, const QString&) override {}
     QString text;
 };
 

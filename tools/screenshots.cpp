@@ -57,6 +57,7 @@ public:
     }
     QString askText(QWidget*, const QString&, const QString&) override { return {}; }
     QStringList askFields(QWidget*, const QString&, const QStringList&) override { return {}; }
+    void inform(QWidget*, const QString&, const QString&) override {}
     int ask(QWidget*, const QString& title, const QString& text) override
     {
         std::fprintf(stderr, "  pregunta \"%s\": %s -> Si\n", qPrintable(title), qPrintable(text));

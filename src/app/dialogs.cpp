@@ -85,3 +85,10 @@ QStringList QtDialogs::askFields(QWidget* parent, const QString& title, const QS
         answers << f->text();
     return answers;
 }
+
+void QtDialogs::inform(QWidget* parent, const QString& title, const QString& text)
+{
+    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::Ok, parent);
+    box.setIconPixmap(parent ? parent->windowIcon().pixmap(64) : QPixmap());
+    box.exec();
+}

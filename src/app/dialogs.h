@@ -35,6 +35,8 @@ public:
     // One line of text for each label, in one box; an empty list when the operator cancels.
     virtual QStringList askFields(QWidget* parent, const QString& title,
                                   const QStringList& labels) = 0;
+    // An information box with an OK button.
+    virtual void inform(QWidget* parent, const QString& title, const QString& text) = 0;
 };
 
 class QtDialogs final : public Dialogs
@@ -47,4 +49,5 @@ public:
     QString askText(QWidget* parent, const QString& title, const QString& label) override;
     QStringList askFields(QWidget* parent, const QString& title,
                           const QStringList& labels) override;
+    void inform(QWidget* parent, const QString& title, const QString& text) override;
 };

@@ -1,13 +1,17 @@
 // Building the window: every control with its name, caption, font, colour and place.
 #include "app/artwork.h"
+#include "app/core/statefile.h"
 #include "app/formmarvolendo.h"
 #include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
+#include "app/version.h"
 #include "files/adodatacontrol.h"
 
 #include <QAction>
 #include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -305,6 +309,20 @@ void FormMarvolendo::buildMenus()
     hhora->setObjectName(QStringLiteral("hhora"));
 }
 
+void FormMarvolendo::aboutMarvolendo()
+{
+    const QString state =
+        QFileInfo(stateFileInUse.isEmpty() ? carpeta + QLatin1String(statefile::fileName)
+                                           : stateFileInUse)
+            .absoluteFilePath();
+    dialogs.inform(this, QStringLiteral("Acerca de Marvolendo"),
+                   QStringLiteral("Marvolendo %1\nCronómetro de llegada para carreras.\n\n"
+                                  "Carpeta de la carrera: %2\nFichero de estado: %3")
+                       .arg(QLatin1String(version::text),
+                            QDir::toNativeSeparators(QFileInfo(state).absolutePath()),
+                            QDir::toNativeSeparators(state)));
+}
+
 // What the program adds to the old window: the menu "Carrera" after "Opciones", and the
 // options at the end of "Opciones".
 void FormMarvolendo::buildRaceMenu()
@@ -328,6 +346,10 @@ void FormMarvolendo::buildRaceMenu()
     connect(salidaHora, &QAction::triggered, this, &FormMarvolendo::startAtTimeOfDay);
     carrera->addSeparator();
     buildEditing();
+    carrera->addSeparator();
+    QAction* acerca = carrera->addAction(QStringLiteral("Acerca de Marvolendo"));
+    acerca->setObjectName(QStringLiteral("acerca"));
+    connect(acerca, &QAction::triggered, this, &FormMarvolendo::aboutMarvolendo);
     // Like "+" and "-": only with the clock stopped at zero, or to take an armed start back.
     connect(carrera, &QMenu::aboutToShow, this, [this] {
         salidaHora->setEnabled(armedMono || (inicio == 0 && Label1->text() == texts::zeroClock &&

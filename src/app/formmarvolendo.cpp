@@ -282,6 +282,10 @@ bool FormMarvolendo::guardarEstado()
     const statefile::SaveResult result =
         statefile::save(currentState(), carpeta + QLatin1String(statefile::fileName),
                         paths::local(QLatin1String(statefile::fallbackPath)));
+    if (result.outcome != statefile::SaveOutcome::Failed)
+        stateFileInUse = result.outcome == statefile::SaveOutcome::Primary
+                             ? carpeta + QLatin1String(statefile::fileName)
+                             : paths::local(QLatin1String(statefile::fallbackPath));
     if (result.outcome == statefile::SaveOutcome::Failed) {
         avisar(QStringLiteral("No se pudo guardar la carrera en %1 (%2) ni en %3 (%4). "
                               "Los tiempos siguen en pantalla: no cierre el programa.")

@@ -202,6 +202,10 @@ private:
     QAction* salidaHora = nullptr;
     QAction* pitidos = nullptr;
     void buildRaceMenu();
+    void aboutMarvolendo();
+    // Where the last save of the race went: the state file beside the program's folder, or
+    // the fallback.
+    QString stateFileInUse;
 
     // The running time comes from the monotonic clock, anchored to the wall clock when the
     // race starts or resumes (startclock.cpp).

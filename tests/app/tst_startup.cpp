@@ -1,4 +1,5 @@
 #include "app/core/statefile.h"
+#include "app/version.h"
 #include "support/formfixture.h"
 #include "support/races.h"
 
@@ -39,6 +40,12 @@ void StartupTest::firstStartWithoutStateFile()
     QVERIFY(f.button("Command1(1)")->isHidden());
     QVERIFY(f.dialogs.shown.isEmpty());
     QVERIFY(!QFile::exists(f.path("MARVO.dat"))); // opening writes nothing
+    // "Acerca de": the version and where the state file is, even before the first save.
+    f.trigger("acerca");
+    QCOMPARE(f.dialogs.shown.last().kind, QStringLiteral("inform"));
+    QVERIFY(f.dialogs.shown.last().text.contains(QLatin1String(version::text)));
+    QVERIFY(f.dialogs.shown.last().text.contains(
+        QDir::toNativeSeparators(QFileInfo(f.path("MARVO.dat")).absoluteFilePath())));
 }
 
 void StartupTest::resumesARunningRaceWithAFirstFinisher()

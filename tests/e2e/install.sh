@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# cmake --install into a temporary prefix puts in place the program, its desktop entry and its
-# icon in every hicolor size, and nothing else.   install.sh <build folder>
+# cmake --install into a temporary prefix puts in place the program, its desktop entry, its
+# icon in every hicolor size, the guide with its pictures, the metainfo and the manual page,
+# and nothing else.   install.sh <build folder>
 set -euo pipefail
+cd "$(dirname "$0")/../.."
 build=$1
 prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
@@ -17,7 +19,15 @@ fail() {
 
 sizes="16 24 32 48 64 128 256"
 expected="bin/marvolendo
-share/applications/marvolendo.desktop"
+share/applications/marvolendo.desktop
+share/metainfo/org.marvolendo.Marvolendo.metainfo.xml
+share/man/man1/marvolendo.1.gz
+share/doc/marvolendo/copyright
+share/doc/marvolendo/changelog.gz
+share/doc/marvolendo/guia.md"
+for png in docs/*.png; do
+    expected+=$'\n'"share/doc/marvolendo/$(basename "$png")"
+done
 for n in $sizes; do
     expected+=$'\n'"share/icons/hicolor/${n}x${n}/apps/marvolendo.png"
 done

@@ -110,6 +110,11 @@ public:
         return fieldAnswers.takeFirst();
     }
 
+    void inform(QWidget*, const QString& title, const QString& text) override
+    {
+        shown.append({QStringLiteral("inform"), title, text});
+    }
+
 private:
     int next(int fallback)
     {
