@@ -52,6 +52,9 @@ QString write(const QString& path, const QByteArray& bytes, FolderSync sync)
     if (QFileInfo(path).isDir())
         return QStringLiteral("%1 es una carpeta").arg(path);
     QSaveFile file(path);
+    // A folder where no new file can be made may still hold a file that can be written: then
+    // it is written in place, as the old program always did.
+    file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly))
         return reason(file, path);
     // A write cut short without an error is how a full disk shows (and commit() would then

@@ -1,5 +1,6 @@
 // Replacing a file whole: the new contents are written beside it and renamed over it, so a
-// crash or a full disk in the middle leaves the previous complete file.
+// crash or a full disk in the middle leaves the previous complete file. Where the folder takes
+// no new file but the file itself can be written, it is written in place instead.
 #pragma once
 
 #include <QByteArray>

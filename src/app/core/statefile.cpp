@@ -28,7 +28,7 @@ public:
         qsizetype end = m_pos;
         while (end < m_bytes.size() && m_bytes[end] != '\r' && m_bytes[end] != '\n')
             ++end;
-        *line = cp1252::decode(m_bytes.sliced(m_pos, end - m_pos));
+        *line = cp1252::decode(m_bytes.sliced(m_pos, std::min<qsizetype>(end - m_pos, maxLineLength)));
         m_pos = end;
         if (m_pos < m_bytes.size() && m_bytes[m_pos] == '\r')
             ++m_pos;
@@ -117,14 +117,17 @@ Restored decode(QByteArrayView bytes)
     QString line;
     Variant v;
 
-    // Lines 1-8: each value is taken only when its line could be read.
-    if (!in.next(&line) || !numberField(line, &v))
+    // Lines 1-8: each value is taken only when its line could be read as such; a line that
+    // is not a number is skipped and the next one is read all the same.
+    if (!in.next(&line))
         return r;
-    s.inicio = number(v) / 1e6;
+    if (numberField(line, &v))
+        s.inicio = number(v) / 1e6;
     r.headerLines = 1;
-    if (!in.next(&line) || !numberField(line, &v))
+    if (!in.next(&line))
         return r;
-    s.desfase = number(v) / 1e12;
+    if (numberField(line, &v))
+        s.desfase = number(v) / 1e12;
     r.headerLines = 2;
     if (!in.next(&line))
         return r;
@@ -142,19 +145,21 @@ Restored decode(QByteArrayView bytes)
         return r;
     s.label8 = line;
     r.headerLines = 6;
-    if (!in.next(&line) || !numberField(line, &v))
+    if (!in.next(&line))
         return r;
-    s.formato = v;
+    if (numberField(line, &v))
+        s.formato = v;
     r.headerLines = 7;
-    if (!in.next(&line) || !numberField(line, &v))
+    if (!in.next(&line))
         return r;
-    s.modoCaptura = v;
+    if (numberField(line, &v))
+        s.modoCaptura = v;
     r.headerLines = 8;
 
-    // Line 9 onward: the pairs, then the start order.
-    if (!in.next(&line) || !numberField(line, &v))
+    // Line 9 onward: the pairs, then the start order. A count that is not a number counts 0.
+    if (!in.next(&line))
         return r;
-    const qint64 n = count(number(v));
+    const qint64 n = numberField(line, &v) ? count(number(v)) : 0;
     for (qint64 i = 0; i < n; ++i) {
         if (!in.next(&line))
             return r;
@@ -164,8 +169,10 @@ Restored decode(QByteArrayView bytes)
         s.list1 << line;
     }
     double m = 0;
-    if (!in.next(&line) || !basic::isNumber(line, &m))
+    if (!in.next(&line))
         return r;
+    if (!basic::isNumber(line, &m))
+        m = 0;
     const qint64 mm = count(m);
     for (qint64 j = 0; j < mm; ++j) {
         if (!in.next(&line))

@@ -21,11 +21,15 @@ namespace statefile
 
 inline constexpr char fileName[] = "MARVO.dat";
 inline constexpr char fallbackPath[] = "d:\\MARVO.dat";
+// A line longer than this is cut there on reading (the rest of it is passed over): a damaged
+// file of megabytes on one line costs neither the memory nor the time.
+inline constexpr int maxLineLength = 64 * 1024;
 
 QByteArray encode(const RaceState& state);
 
-// What the reader restored. It never fails: reading stops at the first line that is missing
-// or cannot be read, and every value after it keeps its start-up value.
+// What the reader restored. It never fails: a numeric line that is not a number is skipped
+// (its value keeps its start-up value) and reading goes on; reading stops where the file
+// ends, and every value after that keeps its start-up value.
 struct Restored {
     RaceState state;
     int headerLines = 0; // how many of lines 1-8 were read

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QCoreApplication>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -19,6 +20,8 @@ private slots:
     void cleanupTestCase();
     void stateKeepsPreviousFileAndTakesTheFallback();
     void journalReportsTheFullDisk();
+    void writesInPlaceWhereTheFolderTakesNoNewFile();
+    void childWrite();
 
 private:
     QTemporaryDir dir;
@@ -45,6 +48,8 @@ RaceState raceOf(int finishers)
 void FullDiskTest::initTestCase()
 {
 #ifdef Q_OS_LINUX
+    if (qEnvironmentVariableIsSet("MARVOLENDO_CHILD_STATE"))
+        return; // the child of writesInPlaceWhereTheFolderTakesNoNewFile mounts nothing
     disk = dir.filePath(QStringLiteral("disk"));
     QDir().mkpath(disk);
     if (::geteuid() != 0)
@@ -100,6 +105,48 @@ void FullDiskTest::journalReportsTheFullDisk()
     QVERIFY(!j.error().isEmpty());
     // What was written before the disk filled up reads back.
     QVERIFY(journal::read(path).valid);
+}
+
+void FullDiskTest::writesInPlaceWhereTheFolderTakesNoNewFile()
+{
+    // A folder the user cannot write holding a MARVO.dat the user can: the state is written
+    // over it in place, not to the fallback. Root may write anywhere, so the save runs in a
+    // child process as "nobody".
+    if (::geteuid() != 0)
+        QSKIP("switching to another user needs root");
+    QTemporaryDir folder(QStringLiteral("/tmp/marvolendo-XXXXXX"));
+    QFile::setPermissions(folder.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                             QFileDevice::ExeOwner | QFileDevice::ReadOther |
+                                             QFileDevice::ExeOther);
+    const QString primary = folder.filePath(QStringLiteral("MARVO.dat"));
+    QFile stale(primary);
+    QVERIFY(stale.open(QIODevice::WriteOnly));
+    stale.write(statefile::encode(raceOf(1)));
+    stale.close();
+    QFile::setPermissions(primary, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                       QFileDevice::ReadOther | QFileDevice::WriteOther);
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("MARVOLENDO_CHILD_STATE"), primary);
+    child.setProcessEnvironment(env);
+    child.start(QStringLiteral("setpriv"),
+                {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                 QStringLiteral("--clear-groups"), QFile::symLinkTarget(QStringLiteral("/proc/self/exe")),
+                 QStringLiteral("childWrite")});
+    if (!child.waitForFinished(20000) || child.exitCode() != 0)
+        QFAIL(qPrintable(QString::fromLocal8Bit(child.readAllStandardOutput() +
+                                                child.readAllStandardError())));
+    QCOMPARE(statefile::read(primary).state.list1, raceOf(3).list1);
+}
+
+void FullDiskTest::childWrite()
+{
+    const QString primary = qEnvironmentVariable("MARVOLENDO_CHILD_STATE");
+    if (primary.isEmpty())
+        QSKIP("run by writesInPlaceWhereTheFolderTakesNoNewFile only");
+    const statefile::SaveResult r =
+        statefile::save(raceOf(3), primary, primary + QStringLiteral(".fallback"));
+    QCOMPARE(int(r.outcome), int(statefile::SaveOutcome::Primary));
 }
 
 QTEST_APPLESS_MAIN(FullDiskTest)

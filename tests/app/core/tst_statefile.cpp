@@ -17,6 +17,8 @@ private slots:
     void fieldsAndWholeLines_data();
     void fieldsAndWholeLines();
     void cutFileRestoresWhatPrecedesTheCut();
+    void garbageCostsThatValueOnly_data();
+    void garbageCostsThatValueOnly();
     void garbageAndHugeFiles();
     void fallbackAndFailure();
     void driveMapping();
@@ -131,12 +133,38 @@ void StateFileTest::cutFileRestoresWhatPrecedesTheCut()
     }
 }
 
+void StateFileTest::garbageCostsThatValueOnly_data()
+{
+    QTest::addColumn<int>("line");
+    for (const int line : {1, 2, 7, 8})
+        QTest::newRow(qPrintable(QStringLiteral("line %1").arg(line))) << line;
+}
+
+void StateFileTest::garbageCostsThatValueOnly()
+{
+    // A line that is not a number is skipped: that value keeps its start-up value, every
+    // other value and the lists are read.
+    QFETCH(int, line);
+    const RaceState full = sampleRace();
+    QList<QByteArray> lines = statefile::encode(full).split('\n');
+    lines[line - 1] = "x1x\r";
+    const statefile::Restored r = statefile::decode(lines.join('\n'));
+    RaceState expected = full;
+    const RaceState fresh;
+    if (line == 1)
+        expected.inicio = fresh.inicio;
+    if (line == 2)
+        expected.desfase = fresh.desfase;
+    if (line == 7)
+        expected.formato = fresh.formato;
+    if (line == 8)
+        expected.modoCaptura = fresh.modoCaptura;
+    QCOMPARE(r.state, expected);
+    QVERIFY(r.complete);
+}
+
 void StateFileTest::garbageAndHugeFiles()
 {
-    // Garbage in a number line stops the reading there.
-    QCOMPARE(statefile::decode("not a number\r\n 5 \r\n").headerLines, 0);
-    QCOMPARE(statefile::decode(" 1 \r\n 0 \r\n\r\n\r\n\r\n\r\nxx\r\n 1 \r\n").state.formato,
-             Variant(2.0));
     QByteArray noise;
     for (int i = 0; i < 100000; ++i)
         noise += char((i * 7919) % 256);
@@ -146,14 +174,17 @@ void StateFileTest::garbageAndHugeFiles()
         " 0 \r\n 0 \r\n\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 1E+300 \r\na\r\nb\r\nc\r\n");
     QCOMPARE(big.state.combo1, (QStringList{"a", "c"}));
     QCOMPARE(big.state.list1, QStringList{"b"});
-    // An 8 MiB line is read whole; a missing file restores nothing.
+    // An 8 MiB line is cut at a sane length instead of being read whole, and the lines after
+    // it are read; a missing file restores nothing.
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("MARVO.dat"));
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(" 0 \r\n 0 \r\n" + QByteArray(8 * 1024 * 1024, 'x'));
+    file.write(" 0 \r\n 0 \r\n\r\n" + QByteArray(8 * 1024 * 1024, 'x') + "\r\n\r\n\r\n 1 \r\n");
     file.close();
-    QCOMPARE(statefile::read(path).state.horaSalida, QStringLiteral("xxxxx"));
+    const statefile::Restored huge = statefile::read(path);
+    QCOMPARE(huge.state.tempsPrimer.size(), qsizetype(statefile::maxLineLength));
+    QCOMPARE(huge.state.formato, Variant(1.0));
     QCOMPARE(statefile::read(dir.filePath(QStringLiteral("none"))).headerLines, 0);
 }
 
