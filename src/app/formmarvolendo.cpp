@@ -16,6 +16,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QFile>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -329,8 +330,13 @@ void FormMarvolendo::Command5_Click()
 
 void FormMarvolendo::closeEvent(QCloseEvent* event)
 {
-    // Closing the window ends the program without saving; the journal is closed as a normal end.
-    journal.markClean();
+    // Closing the window ends the program without saving. When the state file holds the race
+    // as it stands, that is a normal end; otherwise the journal is left as after an abnormal
+    // end, so that the next start offers to bring the changes back.
+    QFile saved(stateFileInUse.isEmpty() ? carpeta + QLatin1String(statefile::fileName)
+                                         : stateFileInUse);
+    if (saved.open(QIODevice::ReadOnly) && saved.readAll() == statefile::encode(currentState()))
+        journal.markClean();
     event->accept();
 }
 

@@ -36,9 +36,9 @@ void FormMarvolendo::offerRecovery()
     const journal::Contents contents = journal::read(path);
     if (!contents.valid || contents.clean)
         return;
-    const statefile::Restored saved = statefile::read(carpeta + QLatin1String(statefile::fileName));
     const RaceRecord& rec = contents.record;
-    if (rec.state == saved.state)
+    QFile file(carpeta + QLatin1String(statefile::fileName));
+    if (file.open(QIODevice::ReadOnly) && file.readAll() == statefile::encode(rec.state))
         return; // the state file already holds everything
 
     const QString text =
