@@ -340,15 +340,36 @@ void FormMarvolendo::closeEvent(QCloseEvent* event)
     event->accept();
 }
 
+namespace
+{
+
+// A notice under the row of "Lap" (the clock, Start and Stop and "Lap" stay in sight), or
+// under the other notice when that one is up.
+void showNotice(QLabel* notice, const QString& text, int top)
+{
+    QWidget* area = notice->parentWidget();
+    notice->setText(text);
+    const int h = notice->heightForWidth(area->width() - 8);
+    notice->setGeometry(4, top, area->width() - 8, qMax(h, 24));
+    notice->raise();
+    notice->show();
+}
+
+} // namespace
+
 void FormMarvolendo::avisar(const QString& text)
 {
-    QWidget* area = centralWidget();
-    aviso->setText(text);
-    const int h = aviso->heightForWidth(area->width() - 8);
-    aviso->setGeometry(4, 4, area->width() - 8, qMax(h, 24));
-    aviso->raise();
-    aviso->show();
+    const int top = avisoDiario->isHidden() ? Command3->geometry().bottom() + 4
+                                            : avisoDiario->geometry().bottom() + 2;
+    showNotice(aviso, text, top);
     avisoTimer->start();
+}
+
+void FormMarvolendo::avisoFijo(const QString& text)
+{
+    showNotice(avisoDiario, text, Command3->geometry().bottom() + 4);
+    if (!aviso->isHidden())
+        aviso->move(aviso->x(), avisoDiario->geometry().bottom() + 2);
 }
 
 bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)

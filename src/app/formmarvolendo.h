@@ -66,6 +66,8 @@ public:
     // A short notice in the window for a failure the operator must know of while timing: it
     // takes no focus and needs no click.
     void avisar(const QString& text);
+    // The same notice, kept until the window takes it back.
+    void avisoFijo(const QString& text);
 
 signals:
     // Emitted when the program is to end (Command5); main() quits the application on it.
@@ -183,6 +185,7 @@ private:
     AdoDataControl* Adodc1 = nullptr;
     FileRequest CommonDialog1;
     QLabel* aviso = nullptr;
+    QLabel* avisoDiario = nullptr; // stays while the journal cannot be written
     QTimer* avisoTimer = nullptr;
     QTimer* guardadoTimer = nullptr;
 
@@ -264,6 +267,11 @@ private:
     void offerRecovery();
     void startJournal();
     void journalChange(const RaceChange& change);
+    void appendToJournal(const QByteArray& entry);
+    void repairJournal();
+    QString fallbackJournalPath() const;
+    bool journalBroken = false;
+    QTimer* journalRetry = nullptr;
     void journalSnapshot();
     RaceRecord currentRecord() const;
     Clock& clock;

@@ -291,18 +291,22 @@ Contents decode(QByteArrayView bytes)
             break; // cut off by the crash
         const QByteArrayView line = bytes.sliced(pos, end - pos);
         pos = end + 2;
+        // A line torn by a crash or a full disk, damaged, or of absurd length is passed over:
+        // the entries after it are still read.
+        if (line.size() > maxLineLength)
+            continue;
         const qsizetype lastTab = line.lastIndexOf('\t');
         if (lastTab < 1)
-            break;
+            continue;
         bool ok = false;
         const uint sum = line.sliced(lastTab + 1).toUInt(&ok);
         if (!ok || sum != qChecksum(line.first(lastTab)))
-            break; // damaged
+            continue;
         const QList<QByteArrayView> f = fields(line.first(lastTab));
         const char kind = line[0];
         if (kind == 'S') {
             if (!applySnapshot(f, &c.record))
-                break;
+                continue;
             if (c.valid)
                 ++c.changes;
             c.valid = true;
@@ -310,14 +314,14 @@ Contents decode(QByteArrayView bytes)
             continue;
         }
         if (!c.valid)
-            break;
+            continue;
         if (kind == 'E' && f.size() == 1) {
             c.clean = true;
             continue;
         }
         const std::optional<RaceChange> change = changeOf(kind, f);
         if (!change)
-            break;
+            continue;
         // A change that does not fit the lines (a line past the end) is left out.
         applyChange(c.record, *change);
         ++c.changes;

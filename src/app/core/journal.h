@@ -27,6 +27,8 @@ namespace journal
 {
 
 inline constexpr char fileName[] = "MARVO.jrn";
+// A longer line is no entry the program writes (a snapshot of 10,000 finishers is about 1 MB).
+inline constexpr qsizetype maxLineLength = 64 * 1024 * 1024;
 
 QByteArray encodeSnapshot(const RaceRecord& record);
 QByteArray encodeChange(const RaceChange& change);
@@ -35,8 +37,8 @@ QByteArray encodeClean();
 // The change replayed on a journaled race: its lines, and the captions a finish sets.
 bool applyChange(RaceRecord& record, const RaceChange& change);
 
-// What a journal holds. An entry cut off by a crash, or damaged, ends the reading: everything
-// before it is kept.
+// What a journal holds. An entry cut off by a crash or a full disk, or damaged, is passed over
+// and the reading goes on: a later snapshot or any later whole entry is still used.
 struct Contents {
     bool valid = false; // it began with a snapshot
     bool clean = false; // its last entry is the clean mark

@@ -117,7 +117,17 @@ void JournalTest::damagedEntriesAndTheCleanMark()
     const QByteArray start = journal::encodeSnapshot(startRecord());
     QByteArray bad = journal::encodeChange(finish(1));
     bad[5] = 'X';
-    QCOMPARE(journal::decode(start + bad + journal::encodeChange(finish(2))).changes, 0);
+    // A damaged entry is passed over and the next one is read; so is a torn one (a full disk)
+    // followed, once there is room again, by a line end and a whole snapshot.
+    const journal::Contents afterBad =
+        journal::decode(start + bad + journal::encodeChange(finish(2)));
+    QCOMPARE(afterBad.changes, 1);
+    QCOMPARE(afterBad.record.label2, QStringLiteral("2"));
+    RaceRecord later = startRecord();
+    later.state.list1 = later.state.combo1 = {QStringLiteral("after the disk was freed")};
+    const QByteArray torn = journal::encodeChange(finish(1)).first(20);
+    QCOMPARE(journal::decode(start + torn + "\r\n" + journal::encodeSnapshot(later)).record.state,
+             later.state);
     // A journal that does not begin with a snapshot holds nothing.
     QVERIFY(!journal::decode(journal::encodeChange(finish(1))).valid);
     QVERIFY(!journal::decode("garbage\r\n\x01\x02\r\n").valid);
