@@ -421,7 +421,10 @@ void FormMarvolendo::connectHandlers()
     // The function keys reach the window before any control, also while a field has the focus.
     // Form_KeyDown takes the old key codes: 112 for F1, 114 for F3.
     const std::pair<Qt::Key, int> finishKeys[] = {{Qt::Key_F1, 112}, {Qt::Key_F3, 114}};
-    for (const auto& [key, code] : finishKeys) {
+    for (const auto& finishKey : finishKeys) {
+        // Named apart: a lambda cannot capture a structured binding in every compiler.
+        const Qt::Key key = finishKey.first;
+        const int code = finishKey.second;
         auto* shortcut = new QShortcut(QKeySequence(key), this);
         shortcut->setContext(Qt::WindowShortcut);
         shortcut->setAutoRepeat(false);

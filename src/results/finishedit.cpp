@@ -99,7 +99,10 @@ void FormMarvolendo::buildEditing()
     asignarDorsal->installEventFilter(this);
     // The finish keys go on taking finishes while this window has the focus.
     const std::pair<Qt::Key, int> finishKeys[] = {{Qt::Key_F1, 112}, {Qt::Key_F3, 114}};
-    for (const auto& [key, code] : finishKeys) {
+    for (const auto& finishKey : finishKeys) {
+        // Named apart: a lambda cannot capture a structured binding in every compiler.
+        const Qt::Key key = finishKey.first;
+        const int code = finishKey.second;
         auto* shortcut = new QShortcut(QKeySequence(key), asignarVentana);
         shortcut->setAutoRepeat(false);
         connect(shortcut, &QShortcut::activated, this,
