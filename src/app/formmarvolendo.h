@@ -254,6 +254,7 @@ private:
                   bool firstMayChange);
     void settleEdit(bool firstMayChange);
     void relabel(bool firstMayChange);
+    RaceChange withCaptions(RaceChange change) const;
     void checkBibs(const RaceChange& change);
     void recheckAllBibs();
     void showBibCounts();

@@ -294,13 +294,7 @@ void FormMarvolendo::relabel(bool firstMayChange)
         Label5->setText(timevalue::shortTemplate(f));
         Label8->setText(timevalue::shortTemplate(f));
     }
-    RaceChange captions = RaceChange::of(RaceChange::Kind::Captions);
-    captions.label2 = Label2->text();
-    captions.tempsPrimer = tempsPrimer;
-    captions.label4 = Label4->text();
-    captions.label5 = Label5->text();
-    captions.label8 = Label8->text();
-    race.apply(captions);
+    race.apply(withCaptions(RaceChange::of(RaceChange::Kind::Captions)));
 }
 
 // The bib checks follow every change of the lines: a finish checks its own line (and the one

@@ -81,17 +81,23 @@ void FormMarvolendo::Command3_Click()
                 resultline::cutDifference(Label7->text(), timeFormat, Target::Combo1));
         }
     }
-    finish.label2 = Label2->text();
-    finish.tempsPrimer = tempsPrimer;
-    finish.label4 = Label4->text();
-    finish.label5 = Label5->text();
-    finish.label8 = Label8->text();
-    race.apply(finish);
+    race.apply(withCaptions(finish));
 
     Label5->setEnabled(true);
     Label8->setEnabled(true);
     look::setColours(Label18, look::lightGrey, look::buttonShadow());
     Label18->setText(QStringLiteral("0"));
+}
+
+// The captions a finish leaves, as the journal keeps them with the change.
+RaceChange FormMarvolendo::withCaptions(RaceChange change) const
+{
+    change.label2 = Label2->text();
+    change.tempsPrimer = tempsPrimer;
+    change.label4 = Label4->text();
+    change.label5 = Label5->text();
+    change.label8 = Label8->text();
+    return change;
 }
 
 void FormMarvolendo::List1_Click()
