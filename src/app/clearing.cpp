@@ -29,6 +29,8 @@ void FormMarvolendo::Command4_Click()
                                                    "almacenados"));
         if (respuesta == Dialogs::Cancel)
             return;
+        // Nothing is lost by a click: the race as it stands is kept first.
+        keepCurrentRace();
     }
 
     inicio = 0;

@@ -357,6 +357,10 @@ void FormMarvolendo::buildRaceMenu()
     carrera->addSeparator();
     buildEditing();
     carrera->addSeparator();
+    QAction* anteriores = carrera->addAction(QStringLiteral("Carreras anteriores..."));
+    anteriores->setObjectName(QStringLiteral("anteriores"));
+    connect(anteriores, &QAction::triggered, this, &FormMarvolendo::showPastRaces);
+    carrera->addSeparator();
     QAction* acerca = carrera->addAction(QStringLiteral("Acerca de Marvolendo"));
     acerca->setObjectName(QStringLiteral("acerca"));
     connect(acerca, &QAction::triggered, this, &FormMarvolendo::aboutMarvolendo);

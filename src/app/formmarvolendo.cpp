@@ -177,6 +177,9 @@ void FormMarvolendo::recuperar()
         race.restore(saved.combo1, saved.list1, saved.list2);
         restored.reset();
     } else {
+        // The results are about to be emptied: the race with them is kept first.
+        if (!race.list1().isEmpty() || !race.combo1().isEmpty())
+            keepCurrentRace();
         race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
     }
 

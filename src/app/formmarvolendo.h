@@ -9,6 +9,7 @@
 //   src/files    results files, start-order import, the readings database link
 #pragma once
 
+#include "app/core/archive.h"
 #include "app/core/journal.h"
 #include "app/core/race.h"
 #include "app/core/racestate.h"
@@ -205,6 +206,18 @@ private:
     QAction* salidaHora = nullptr;
     QAction* pitidos = nullptr;
     void buildRaceMenu();
+
+    // Every race kept (archiving.cpp).
+    QDialog* carrerasVentana = nullptr;
+    class QTableWidget* carrerasLista = nullptr;
+    QList<archive::Kept> carrerasGuardadas;
+    QString archiveFolder() const;
+    void keepRace(const RaceState& raceToKeep);
+    void keepCurrentRace();
+    void showPastRaces();
+    const archive::Kept* chosenPastRace();
+    void exportPastRace();
+    void recoverPastRace();
     void aboutMarvolendo();
     // Where the last save of the race went: the state file beside the program's folder, or
     // the fallback.

@@ -63,6 +63,11 @@ void FormMarvolendo::offerRecovery()
                 .arg(contents.changes)
                 .arg(rec.state.list1.size());
         if (dialogs.ask(this, QStringLiteral("Recuperar la carrera"), text) == Dialogs::Yes) {
+            // The race of the state file, about to be replaced, is kept first.
+            const statefile::Restored replaced =
+                statefile::read(carpeta + QLatin1String(statefile::fileName));
+            if (replaced.headerLines > 0)
+                keepRace(replaced.state);
             // The recovered race is saved first, where a save goes; the start-up takes it
             // from the journal.
             const statefile::SaveResult result =
@@ -75,7 +80,9 @@ void FormMarvolendo::offerRecovery()
             recoveredLabels = rec;
             return;
         }
-        // Not recovered: the old journal is kept aside, nothing is deleted.
+        // Not recovered: the race it holds is kept with the others, and the old journal is kept
+        // aside; nothing is deleted.
+        keepRace(rec.state);
         const QString aside =
             info.absolutePath() + u'/' +
             QStringLiteral("MARVO-%1.jrn")

@@ -28,7 +28,8 @@ public:
         qsizetype end = m_pos;
         while (end < m_bytes.size() && m_bytes[end] != '\r' && m_bytes[end] != '\n')
             ++end;
-        *line = cp1252::decode(m_bytes.sliced(m_pos, std::min<qsizetype>(end - m_pos, maxLineLength)));
+        *line =
+            cp1252::decode(m_bytes.sliced(m_pos, std::min<qsizetype>(end - m_pos, maxLineLength)));
         m_pos = end;
         if (m_pos < m_bytes.size() && m_bytes[m_pos] == '\r')
             ++m_pos;

@@ -2,9 +2,9 @@
 #include "app/core/journal.h"
 #include "app/core/statefile.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QCoreApplication>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -131,11 +131,12 @@ void FullDiskTest::writesInPlaceWhereTheFolderTakesNoNewFile()
     child.setProcessEnvironment(env);
     child.start(QStringLiteral("setpriv"),
                 {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                 QStringLiteral("--clear-groups"), QFile::symLinkTarget(QStringLiteral("/proc/self/exe")),
+                 QStringLiteral("--clear-groups"),
+                 QFile::symLinkTarget(QStringLiteral("/proc/self/exe")),
                  QStringLiteral("childWrite")});
     if (!child.waitForFinished(20000) || child.exitCode() != 0)
-        QFAIL(qPrintable(QString::fromLocal8Bit(child.readAllStandardOutput() +
-                                                child.readAllStandardError())));
+        QFAIL(qPrintable(
+            QString::fromLocal8Bit(child.readAllStandardOutput() + child.readAllStandardError())));
     QCOMPARE(statefile::read(primary).state.list1, raceOf(3).list1);
 }
 

@@ -1,0 +1,70 @@
+#include "archive.h"
+
+#include "base/savefile.h"
+#include "statefile.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace archive
+{
+
+namespace
+{
+
+const QString stamp = QStringLiteral("yyyyMMdd-hhmmss");
+
+} // namespace
+
+QString folderBeside(const QString& stateFile)
+{
+    return QFileInfo(stateFile).absolutePath() + u'/' + QLatin1String(folderName);
+}
+
+QString keep(const QString& folder, const RaceState& race, const QDateTime& when, QString* error)
+{
+    if (!QDir().mkpath(folder)) {
+        *error = QStringLiteral("no se puede crear la carpeta %1").arg(folder);
+        return {};
+    }
+    // Two races kept in the same second get a number.
+    const QString base = folder + QStringLiteral("/MARVO-") + when.toString(stamp);
+    QString path = base + QStringLiteral(".dat");
+    for (int n = 2; QFileInfo::exists(path); ++n)
+        path = base + QStringLiteral("-%1.dat").arg(n);
+    *error = savefile::write(path, statefile::encode(race));
+    return error->isEmpty() ? path : QString();
+}
+
+QList<Kept> list(const QString& folder)
+{
+    QList<Kept> kept;
+    const QFileInfoList files =
+        QDir(folder).entryInfoList({QStringLiteral("MARVO-*.dat")}, QDir::Files);
+    kept.reserve(files.size());
+    for (const QFileInfo& file : files) {
+        Kept k;
+        k.path = file.filePath();
+        // The moment is in the name; a name without one takes the file's time.
+        k.when = QDateTime::fromString(file.completeBaseName().mid(6, 15), stamp);
+        if (!k.when.isValid())
+            k.when = file.lastModified();
+        const statefile::Restored r = statefile::read(k.path);
+        k.readable = r.complete;
+        k.race = r.state;
+        kept << k;
+    }
+    // Within one second, the numbered copies came later.
+    const auto number = [](const Kept& k) {
+        const QString name = QFileInfo(k.path).completeBaseName();
+        return name.size() > 21 ? name.mid(22).toInt() : 1;
+    };
+    std::stable_sort(kept.begin(), kept.end(), [&](const Kept& a, const Kept& b) {
+        return a.when != b.when ? a.when > b.when : number(a) > number(b);
+    });
+    return kept;
+}
+
+} // namespace archive
