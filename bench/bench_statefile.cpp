@@ -1,6 +1,7 @@
 // The state file and the journal with a big race: 10,000 finishers (20,000 list lines) and a
 // start order of 500 lines.
 //   build/bench/bench_statefile
+#include "app/core/archive.h"
 #include "app/core/journal.h"
 #include "app/core/statefile.h"
 #include "benchutil.h"
@@ -85,5 +86,34 @@ int main()
     std::printf("journal entry of a finish: median %.4f ms, worst %.4f ms\n", entry.median,
                 entry.worst);
     std::printf("journal snapshot of the whole race: median %.2f ms\n", snapshot.median);
+
+    // Keeping the race before a clear, and the list of 500 kept races of a long season (a
+    // race of 60 finishers each).
+    const QString kept = dir.filePath(QLatin1String(archive::folderName));
+    int keeps = 0;
+    const auto keep = measure(21, [&] {
+        QString error;
+        archive::keep(kept, race, QDateTime::currentDateTime().addSecs(++keeps), &error);
+    });
+    const QString season = dir.filePath(QStringLiteral("temporada"));
+    RaceState small = race;
+    small.combo1 = race.combo1.first(60);
+    small.list1 = race.list1.first(60);
+    small.list2.clear();
+    const QDateTime first(QDate(2026, 1, 1), QTime(9, 0));
+    for (int i = 0; i < 500; ++i) {
+        QString error;
+        archive::keep(season, small, first.addSecs(3600LL * i), &error);
+    }
+    const auto listing = measure(11, [&] {
+        if (archive::list(season).size() != 500)
+            std::abort();
+    });
+    std::printf(
+        "keep a race of 10,000 finishers: median %.2f ms, worst %.2f ms  (target < 50 ms)\n",
+        keep.median, keep.worst);
+    std::printf(
+        "list 500 kept races:             median %.2f ms, worst %.2f ms  (target < 200 ms)\n",
+        listing.median, listing.worst);
     return 0;
 }
