@@ -98,7 +98,9 @@ void FormMarvolendo::Form_Load()
     tempsPrimer.clear();
 
     // Lines 1-4 of the state file; a value whose line could not be read keeps the above.
-    restored = statefile::read(carpeta + QLatin1String(statefile::fileName));
+    // A race recovered from the journal is taken as recovered, wherever its save could go.
+    restored = recoveredLabels ? statefile::Restored{recoveredLabels->state, 8, true}
+                               : statefile::read(carpeta + QLatin1String(statefile::fileName));
     const RaceState& saved = restored->state;
     const int lines = restored->headerLines;
     if (lines >= 1)
