@@ -12,11 +12,6 @@ WM_PID=$!
 trap 'kill "$WM_PID" 2>/dev/null; cleanup' EXIT
 sleep 1
 
-fail() {
-    echo "FAIL: $*"
-    tail -n 20 "$WORK/app.log"
-    exit 1
-}
 
 # Waits for the program to end by itself; fails after 10 s.
 wait_end() {
@@ -28,10 +23,7 @@ wait_end() {
 }
 
 # A race running for a minute, in the "Lap" mode; 15 finishes, then the window is closed.
-now=$(date +%s)
-midnight=$(date -d 'today 00:00' +%s)
-inicio=$(( (now - midnight - 60) * 1000000 ))
-printf ' %s \r\n 0 \r\n00:00\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 0 \r\n 0 \r\n' "$inicio" >"$WORK/MARVO.dat"
+running_race 60
 start_app
 xdotool key --delay 40 $(printf 'F1 %.0s' $(seq 15))
 sleep 1
@@ -39,15 +31,8 @@ wmctrl -c '^Marvolendo$' || wmctrl -c Marvolendo
 wait_end
 [ "$(list1_of "$WORK/MARVO.dat" | wc -l)" = 0 ] || fail "closing the window saved the race"
 
-launch_app
-wait_window 'Recuperar la carrera' >/dev/null
-xdotool key Return
-for _ in $(seq 100); do
-    [ "$(list1_of "$WORK/MARVO.dat" | wc -l)" -ge 15 ] && break
-    sleep 0.1
-done
-[ "$(list1_of "$WORK/MARVO.dat" | wc -l)" = 15 ] ||
-    fail "$(list1_of "$WORK/MARVO.dat" | wc -l) finishes came back, 15 expected"
+recover 15
+[ "$RECOVERED" = 15 ] || fail "$RECOVERED finishes came back, 15 expected"
 # Nothing unsaved now: closing again is a normal end, and the next start asks nothing.
 APP_WIN=$(wait_window '^Marvolendo$')
 wmctrl -c '^Marvolendo$' || wmctrl -c Marvolendo

@@ -6,17 +6,9 @@
 APP=$1
 source "$(dirname "$0")/xsession.sh"
 
-fail() {
-    echo "FAIL: $*"
-    tail -n 20 "$WORK/app.log"
-    exit 1
-}
 
 # A race that has been running for two minutes, in the "Lap" mode, in Milesimas.
-now=$(date +%s)
-midnight=$(date -d 'today 00:00' +%s)
-inicio=$(( (now - midnight - 120) * 1000000 ))
-printf ' %s \r\n 0 \r\n00:00\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 0 \r\n 0 \r\n' "$inicio" >"$WORK/MARVO.dat"
+running_race 120
 start_app
 
 # An entry of the menu "Carrera" (the second title of the menu bar), by its place among the
@@ -53,13 +45,7 @@ APP_PID=
 grep -q $'^R\t19\t' "$WORK/MARVO.jrn" || fail "no removal of the 20th finish in the journal"
 grep -q $'^I\t0\t' "$WORK/MARVO.jrn" || fail "no finish added at the top of the journal"
 
-launch_app
-wait_window 'Recuperar la carrera' >/dev/null
-xdotool key Return
-for _ in $(seq 100); do
-    [ "$(list1_of "$WORK/MARVO.dat" | wc -l)" -ge 30 ] && break
-    sleep 0.1
-done
+recover 30
 kill -9 "$APP_PID"; wait "$APP_PID" 2>/dev/null || true; APP_PID=
 list1_of "$WORK/MARVO.dat" >"$WORK/recovered.txt"
 [ "$(wc -l <"$WORK/recovered.txt")" = 30 ] || fail "$(wc -l <"$WORK/recovered.txt") lines recovered, 30 expected"

@@ -12,20 +12,12 @@ mount -t tmpfs -o size=512k tmpfs "$disk" 2>/dev/null || { echo "SKIP: mounting 
 trap 'umount -l "$disk" 2>/dev/null; cleanup' EXIT
 WORK=$disk # the program runs in the mounted folder
 
-fail() {
-    echo "FAIL: $*"
-    tail -n 20 "$WORK/app.log"
-    exit 1
-}
 press() {
     xdotool key --delay 30 $(printf 'F1 %.0s' $(seq "$1"))
     sleep 0.5
 }
 
-now=$(date +%s)
-midnight=$(date -d 'today 00:00' +%s)
-inicio=$(( (now - midnight - 60) * 1000000 ))
-printf ' %s \r\n 0 \r\n00:00\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 0 \r\n 0 \r\n' "$inicio" >"$disk/MARVO.dat"
+running_race 60
 start_app
 press 50
 dd if=/dev/zero of="$disk/relleno" bs=4k 2>/dev/null || true
@@ -39,14 +31,7 @@ kill -9 "$APP_PID"; wait "$APP_PID" 2>/dev/null || true; APP_PID=
 # the race (the first one opens it).
 [ "$(grep -c $'^S\t' "$disk/MARVO.jrn")" -ge 2 ] || fail "the disk never refused the journal"
 
-launch_app
-wait_window 'Recuperar la carrera' >/dev/null
-xdotool key Return
-for _ in $(seq 100); do
-    [ "$(list1_of "$disk/MARVO.dat" | wc -l)" -ge 200 ] && break
-    sleep 0.1
-done
-recovered=$(list1_of "$disk/MARVO.dat" | wc -l)
+recover 200
 kill -9 "$APP_PID"; wait "$APP_PID" 2>/dev/null || true; APP_PID=
-[ "$recovered" = 200 ] || fail "$recovered of 200 finishes recovered"
+[ "$RECOVERED" = 200 ] || fail "$RECOVERED of 200 finishes recovered"
 echo "full disk filled and freed: 200 of 200 finishes recovered"

@@ -12,10 +12,7 @@ total_lost=0
 for round in $(seq "$ROUNDS"); do
     rm -f "$WORK"/MARVO.* "$WORK"/*.jrn
     # A race that has been running for a minute, in the "Lap" mode.
-    now=$(date +%s)
-    midnight=$(date -d 'today 00:00' +%s)
-    inicio=$(( (now - midnight - 60) * 1000000 ))
-    printf ' %s \r\n 0 \r\n00:00\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 0 \r\n 0 \r\n' "$inicio" >"$WORK/MARVO.dat"
+    running_race 60
     start_app
 
     # A first batch that is surely handled, then a second one cut by the kill.

@@ -10,11 +10,6 @@ for tool in cpack lintian appstreamcli desktop-file-validate dpkg-deb; do
 done
 source "$(dirname "$0")/xsession.sh"
 
-fail() {
-    echo "FAIL: $*"
-    exit 1
-}
-
 cpack --config "$build/CPackConfig.cmake" -B "$WORK/package" >"$WORK/cpack.log" 2>&1 ||
     { cat "$WORK/cpack.log"; fail "cpack did not make the package"; }
 deb=$(ls "$WORK"/package/marvolendo_"$version"_*.deb) || fail "no marvolendo_${version}_*.deb"

@@ -71,3 +71,33 @@ journal_list1_of() {
         $1 == "F" && $3 == "1" { lines[count++] = $5 }
         END { for (i = 0; i < count; i++) print lines[i] }'
 }
+
+# Ends the test as failed, with the end of the program's output.
+fail() {
+    echo "FAIL: $*"
+    tail -n 20 "$WORK/app.log" 2>/dev/null || true
+    exit 1
+}
+
+# Writes $WORK/MARVO.dat: a race in the "Lap" mode, in Milesimas, running for $1 seconds, with
+# no finish yet.
+running_race() {
+    local now midnight inicio
+    now=$(date +%s)
+    midnight=$(date -d 'today 00:00' +%s)
+    inicio=$(( (now - midnight - $1) * 1000000 ))
+    printf ' %s \r\n 0 \r\n00:00\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 0 \r\n 0 \r\n' "$inicio" >"$WORK/MARVO.dat"
+}
+
+# Starts the program again, answers its recovery question with Enter ("Sí") and waits (10 s
+# at most) until the state file holds $1 finishes; sets RECOVERED to how many it holds.
+recover() {
+    launch_app
+    wait_window 'Recuperar la carrera' >/dev/null
+    xdotool key Return
+    for _ in $(seq 100); do
+        [ "$(list1_of "$WORK/MARVO.dat" | wc -l)" -ge "$1" ] && break
+        sleep 0.1
+    done
+    RECOVERED=$(list1_of "$WORK/MARVO.dat" | wc -l)
+}
