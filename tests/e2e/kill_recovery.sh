@@ -31,14 +31,8 @@ for round in $(seq "$ROUNDS"); do
     cp "$WORK/MARVO.jrn" "$WORK/killed.jrn"
     journal_list1_of "$WORK/killed.jrn" >"$WORK/journal.txt"
 
-    # Started again: the recovery question, answered with Enter ("Si" is the default).
-    launch_app
-    wait_window 'Recuperar la carrera' >/dev/null
-    xdotool key Return
-    for _ in $(seq 100); do
-        [ "$(list1_of "$WORK/MARVO.dat" | wc -l)" -ge "$first" ] && break
-        sleep 0.1
-    done
+    # Started again: the recovery question, answered with Enter ("Sí" is the default).
+    recover "$first"
     list1_of "$WORK/MARVO.dat" >"$WORK/recovered.txt"
     kill -9 "$APP_PID"; wait "$APP_PID" 2>/dev/null || true; APP_PID=
 
