@@ -22,8 +22,9 @@ using texts::zeroClock;
 
 void FormMarvolendo::Command4_Click()
 {
-    // Nothing recorded and the clock at zero: there is nothing to lose, so no question.
-    if (Label1->text() != zeroClock || !race.list1().isEmpty()) {
+    // Nothing recorded and the clock at zero: there is nothing to lose, so no question, unless
+    // entrants are loaded, which go with the race.
+    if (Label1->text() != zeroClock || !race.list1().isEmpty() || hasEntrants()) {
         respuesta = dialogs.confirm(this, QStringLiteral("Borrado de tiempos"),
                                     QStringLiteral("Cuidado si continua borrara todos los datos "
                                                    "almacenados"));
@@ -57,6 +58,7 @@ void FormMarvolendo::Command4_Click()
         break;
     }
     race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
+    forgetEntrants();
 
     for (QLabel* l : {Label4, Label7}) {
         look::setColours(l, look::lightGrey, Qt::black);

@@ -357,6 +357,13 @@ void FormMarvolendo::buildRaceMenu()
     carrera->addSeparator();
     buildEditing();
     carrera->addSeparator();
+    QAction* inscritosCsv = carrera->addAction(QStringLiteral("Cargar inscritos (CSV)..."));
+    inscritosCsv->setObjectName(QStringLiteral("inscritos"));
+    connect(inscritosCsv, &QAction::triggered, this, &FormMarvolendo::loadEntrants);
+    QAction* resultados = carrera->addAction(QStringLiteral("Resultados..."));
+    resultados->setObjectName(QStringLiteral("resultados"));
+    connect(resultados, &QAction::triggered, this, &FormMarvolendo::publishResults);
+    carrera->addSeparator();
     QAction* anteriores = carrera->addAction(QStringLiteral("Carreras anteriores..."));
     anteriores->setObjectName(QStringLiteral("anteriores"));
     connect(anteriores, &QAction::triggered, this, &FormMarvolendo::showPastRaces);

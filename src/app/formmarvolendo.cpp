@@ -24,6 +24,7 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QThread>
 #include <QTimer>
 
 namespace
@@ -51,11 +52,17 @@ FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, Sound*
     setFormTwips(layouts::drawn.width, layouts::drawn.height);
     // After an abnormal end the journal may hold finishes the state file lacks.
     offerRecovery();
+    reloadEntrants();
     Form_Load();
     startJournal();
 }
 
-FormMarvolendo::~FormMarvolendo() = default;
+FormMarvolendo::~FormMarvolendo()
+{
+    // Results still being written finish first: their files are never left half made.
+    if (resultsThread)
+        resultsThread->wait();
+}
 
 int FormMarvolendo::checkedFormat() const
 {

@@ -17,6 +17,7 @@
 #include "app/dialogs.h"
 #include "chrono/core/startat.h"
 #include "entry/core/entrada.h"
+#include "results/core/entrants.h"
 #include "results/core/finishedit.h"
 
 #include <QMainWindow>
@@ -273,6 +274,18 @@ private:
     void showBibCounts();
     void colourBibLine(int row);
     void placeBibStatus();
+
+    // The entrants and the results people read (results/publishing.cpp). The entrants and the
+    // race name are kept beside the state file and go with the race when it is cleared.
+    QList<entrants::Entrant> inscritos;
+    QString nombreCarrera;
+    QString besideState(const char* name) const;
+    void loadEntrants();
+    void reloadEntrants();
+    bool hasEntrants() const;
+    void forgetEntrants();
+    void publishResults();
+    class QThread* resultsThread = nullptr; // drawing and writing the results files
 
     // The finish journal (journalling.cpp): each change of the race record is written as it
     // is made; a change of the window-level values writes a whole snapshot.

@@ -322,9 +322,16 @@ void FormMarvolendo::checkBibs(const RaceChange& change)
 
 void FormMarvolendo::recheckAllBibs()
 {
+    // A bib is entered when the start order or the loaded entrants have it.
     std::optional<QSet<int>> entered;
     if (!race.list2().isEmpty())
         entered = finishedit::bibsOfStartOrder(race.list2());
+    if (!inscritos.isEmpty()) {
+        if (!entered)
+            entered.emplace();
+        for (const entrants::Entrant& e : inscritos)
+            entered->insert(e.bib);
+    }
     bibChecks.reset(race.list1(), entered);
     {
         // One repaint for the whole list, not one a line.
@@ -365,7 +372,8 @@ void FormMarvolendo::colourBibLine(int row)
     if (p & finishedit::Repeated)
         why << QStringLiteral("Dorsal repetido en la lista");
     if (p & finishedit::NotEntered)
-        why << QStringLiteral("Dorsal que no está en el orden de salida");
+        why << (inscritos.isEmpty() ? QStringLiteral("Dorsal que no está en el orden de salida")
+                                    : QStringLiteral("Dorsal que no está entre los inscritos"));
     const QColor colour = p & finishedit::Repeated     ? repeatedColour
                           : p & finishedit::NotEntered ? notEnteredColour
                           : p & finishedit::NoBib      ? noBibColour

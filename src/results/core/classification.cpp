@@ -1,0 +1,147 @@
+#include "classification.h"
+
+#include "base/basic.h"
+#include "results/core/finishedit.h"
+
+#include <QHash>
+#include <QSet>
+
+#include <algorithm>
+
+namespace classification
+{
+
+namespace
+{
+
+constexpr qsizetype startTimeAt = 12; // after "NNNN-BBBB - " of a start-order line
+
+// The start of each bib of the start order, the first line of a bib counting.
+QHash<int, qint64> startOrderTimes(const QStringList& list2)
+{
+    QHash<int, qint64> starts;
+    for (const QString& line : list2) {
+        const int bib = static_cast<int>(basic::val(basic::mid(line, 6, 4)));
+        const std::optional<qint64> start =
+            entrants::readClockTime(QStringView(line).sliced(std::min(startTimeAt, line.size())));
+        if (bib > 0 && start && !starts.contains(bib))
+            starts.insert(bib, *start);
+    }
+    return starts;
+}
+
+bool ranksBefore(const Row& a, const Row& b)
+{
+    // Lines without a time (the bibs-only capture) keep the order they arrived in.
+    if (a.timeMs.has_value() != b.timeMs.has_value())
+        return a.timeMs.has_value();
+    if (a.timeMs && *a.timeMs != *b.timeMs)
+        return *a.timeMs < *b.timeMs;
+    return a.arrival < b.arrival;
+}
+
+} // namespace
+
+std::optional<qint64> lineTimeMs(QStringView time)
+{
+    const qsizetype n = time.size();
+    if (!(n == 8 || n == 11 || n == 12) || time[2] != u':' || time[5] != u':' ||
+        (n > 8 && time[8] != u':'))
+        return std::nullopt;
+    qint64 fields[4] = {};
+    const qsizetype starts[4] = {0, 3, 6, 9};
+    const qsizetype lengths[4] = {2, 2, 2, n > 8 ? n - 9 : 0};
+    for (int f = 0; f < 4; ++f)
+        for (qsizetype i = starts[f]; i < starts[f] + lengths[f]; ++i) {
+            const char16_t c = time[i].unicode();
+            if (c < u'0' || c > u'9')
+                return std::nullopt;
+            fields[f] = fields[f] * 10 + (c - u'0');
+        }
+    const qint64 fractionMs = n == 11 ? fields[3] * 10 : fields[3];
+    return ((fields[0] * 60 + fields[1]) * 60 + fields[2]) * 1000 + fractionMs;
+}
+
+Results classify(const QStringList& list1, const QList<entrants::Entrant>& entrants,
+                 const QStringList& list2)
+{
+    Results results;
+    results.withEntrants = !entrants.isEmpty();
+    QHash<int, int> entrantOfBib;
+    QHash<QString, int> categoryIndex;
+    for (qsizetype i = 0; i < entrants.size(); ++i) {
+        const entrants::Entrant& e = entrants[i];
+        entrantOfBib.insert(e.bib, static_cast<int>(i));
+        if (e.salidaMs)
+            results.timeTrial = true;
+        if (!e.categoria.isEmpty() && !categoryIndex.contains(e.categoria)) {
+            categoryIndex.insert(e.categoria, static_cast<int>(results.categories.size()));
+            results.categories << e.categoria;
+        }
+    }
+    const QHash<int, qint64> startOrder = startOrderTimes(list2);
+    results.timeTrial = results.timeTrial || !list2.isEmpty();
+
+    QList<Row> ranked, noStart, unidentified, repeated;
+    QSet<int> counted;
+    for (qsizetype i = 0; i < list1.size(); ++i) {
+        Row row;
+        row.arrival = static_cast<int>(i + 1);
+        row.bib = static_cast<int>(finishedit::bibOf(list1[i]));
+        row.entrant = entrantOfBib.value(row.bib, -1);
+        if (const std::optional<QString> time = finishedit::list1Time(list1[i]))
+            row.finishMs = lineTimeMs(*time);
+
+        if (row.bib <= 0 || (results.withEntrants && row.entrant < 0)) {
+            row.status = Status::Unidentified;
+            unidentified << row;
+            continue;
+        }
+        if (counted.contains(row.bib)) {
+            row.status = Status::Repeated;
+            repeated << row;
+            continue;
+        }
+        counted.insert(row.bib);
+        if (results.timeTrial) {
+            if (row.entrant >= 0 && entrants[row.entrant].salidaMs)
+                row.startMs = entrants[row.entrant].salidaMs;
+            else if (startOrder.contains(row.bib))
+                row.startMs = startOrder.value(row.bib);
+            if (!row.startMs || (row.finishMs && *row.finishMs < *row.startMs)) {
+                row.status = Status::NoStart;
+                noStart << row;
+                continue;
+            }
+            if (row.finishMs)
+                row.timeMs = *row.finishMs - *row.startMs;
+        } else {
+            row.timeMs = row.finishMs;
+        }
+        ranked << row;
+    }
+
+    std::stable_sort(ranked.begin(), ranked.end(), ranksBefore);
+    QList<int> categoryCount(results.categories.size());
+    QList<std::optional<qint64>> categoryBest(results.categories.size());
+    for (qsizetype i = 0; i < ranked.size(); ++i) {
+        Row& row = ranked[i];
+        row.position = static_cast<int>(i + 1);
+        if (row.timeMs && ranked.first().timeMs)
+            row.gapMs = *row.timeMs - *ranked.first().timeMs;
+        if (row.entrant < 0)
+            continue;
+        const int c = categoryIndex.value(entrants[row.entrant].categoria, -1);
+        if (c < 0)
+            continue;
+        row.categoryPosition = ++categoryCount[c];
+        if (!categoryBest[c])
+            categoryBest[c] = row.timeMs;
+        if (row.timeMs && categoryBest[c])
+            row.categoryGapMs = *row.timeMs - *categoryBest[c];
+    }
+    results.rows = ranked + noStart + unidentified + repeated;
+    return results;
+}
+
+} // namespace classification

@@ -1,0 +1,51 @@
+// The classification of a race from its results lines and, when loaded, its entrants. In a
+// time trial (an entrant with a start time, or a start order loaded) runners are ranked by
+// riding time, the finish time less their start; otherwise by finish time. A bib recorded
+// twice counts at its first finish. Finishes that cannot be ranked are kept apart: a runner
+// of a time trial without a start time, a bib that is 0 or not among the entrants, a repeat.
+#pragma once
+
+#include "results/core/entrants.h"
+
+#include <QList>
+#include <QStringList>
+#include <QStringView>
+
+#include <optional>
+
+namespace classification
+{
+
+enum class Status { Ranked, NoStart, Unidentified, Repeated };
+
+struct Row {
+    int arrival = 0; // the finish's line in the results list, from 1
+    int bib = 0;
+    int entrant = -1;               // index among the entrants; -1 when none
+    std::optional<qint64> finishMs; // on the race clock; none on a line without a time
+    std::optional<qint64> startMs;  // a time trial's start
+    std::optional<qint64> timeMs;   // what ranks: riding time in a time trial, else finish time
+    Status status = Status::Ranked;
+    int position = 0; // general position; 0 when not ranked
+    std::optional<qint64> gapMs;
+    int categoryPosition = 0;
+    std::optional<qint64> categoryGapMs;
+};
+
+struct Results {
+    bool timeTrial = false;
+    bool withEntrants = false;
+    // Every finish once: the ranked in order, then the runners without a start time, the
+    // unidentified and the repeats, each in the order they finished.
+    QList<Row> rows;
+    // The categories of the entrants, in the order they first appear in the file.
+    QStringList categories;
+};
+
+// The time of a results line ("hh:mm:ss", "hh:mm:ss:cc" or "hh:mm:ss:mmm") in milliseconds.
+std::optional<qint64> lineTimeMs(QStringView time);
+
+Results classify(const QStringList& list1, const QList<entrants::Entrant>& entrants,
+                 const QStringList& list2);
+
+} // namespace classification

@@ -1,0 +1,277 @@
+#include "entrants.h"
+
+#include "base/cp1252.h"
+
+#include <QHash>
+#include <QSet>
+#include <QStringDecoder>
+
+namespace entrants
+{
+
+namespace
+{
+
+enum Column { Dorsal, Nombre, Apellidos, Club, Categoria, Sexo, Salida, Columns };
+
+// A header as the columns are known: lower case, accents and blanks around it dropped.
+QString plainHeader(const QString& header)
+{
+    QString plain;
+    for (const QChar c : header.trimmed().normalized(QString::NormalizationForm_D))
+        if (c.category() != QChar::Mark_NonSpacing)
+            plain += c.toLower();
+    return plain;
+}
+
+std::optional<int> readBib(const QString& text)
+{
+    if (text.isEmpty() || text.size() > 9)
+        return std::nullopt;
+    for (const QChar c : text)
+        if (!c.isDigit() || c.unicode() > '9')
+            return std::nullopt;
+    const int bib = text.toInt();
+    if (bib < 1 || bib > maxBib)
+        return std::nullopt;
+    return bib;
+}
+
+QString lineList(const QList<int>& lines)
+{
+    constexpr qsizetype shown = 20;
+    QStringList numbers;
+    for (qsizetype i = 0; i < lines.size() && i < shown; ++i)
+        numbers << QString::number(lines[i]);
+    QString text = numbers.join(QStringLiteral(", "));
+    if (lines.size() > shown)
+        text += QStringLiteral(" y %1 más").arg(lines.size() - shown);
+    return text;
+}
+
+} // namespace
+
+QString Entrant::fullName() const
+{
+    if (nombre.isEmpty())
+        return apellidos;
+    if (apellidos.isEmpty())
+        return nombre;
+    return nombre + u' ' + apellidos;
+}
+
+QString decode(QByteArrayView bytes)
+{
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        bytes = bytes.sliced(3);
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = utf8.decode(bytes);
+    if (!utf8.hasError())
+        return text;
+    return cp1252::decode(bytes);
+}
+
+QChar detectSeparator(QStringView text)
+{
+    int counts[3] = {};
+    const QChar candidates[3] = {u';', u'\t', u','};
+    bool quoted = false;
+    for (const QChar c : text) {
+        if (c == u'"')
+            quoted = !quoted;
+        else if (!quoted && (c == u'\n' || c == u'\r'))
+            break;
+        else if (!quoted)
+            for (int i = 0; i < 3; ++i)
+                counts[i] += c == candidates[i];
+    }
+    int best = 0;
+    for (int i = 1; i < 3; ++i)
+        if (counts[i] > counts[best])
+            best = i;
+    return candidates[best];
+}
+
+QList<Record> parse(QStringView text, QChar separator)
+{
+    QList<Record> records;
+    Record record;
+    QString field;
+    bool quoted = false;    // inside a quoted field
+    bool wasQuoted = false; // the field being read began with a quote
+    bool anything = false;  // the record holds a character that is not a blank
+    int line = 1;
+    record.line = 1;
+
+    const auto endField = [&] {
+        record.fields << (wasQuoted ? field : field.trimmed());
+        field.clear();
+        wasQuoted = false;
+    };
+    const auto endRecord = [&] {
+        endField();
+        if (anything)
+            records << record;
+        record = Record();
+        anything = false;
+    };
+
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (quoted) {
+            if (c == u'"') {
+                if (i + 1 < text.size() && text[i + 1] == u'"') {
+                    field += u'"';
+                    ++i;
+                } else {
+                    quoted = false;
+                }
+            } else {
+                if (c == u'\n' || (c == u'\r' && (i + 1 >= text.size() || text[i + 1] != u'\n')))
+                    ++line;
+                field += c;
+            }
+        } else if (c == u'"' && field.trimmed().isEmpty()) {
+            quoted = true;
+            wasQuoted = true;
+            anything = true;
+            field.clear();
+        } else if (c == separator) {
+            endField();
+        } else if (c == u'\r' || c == u'\n') {
+            if (c == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
+                ++i;
+            endRecord();
+            record.line = ++line;
+        } else {
+            // Text after a closing quote joins the field, as spreadsheets read it.
+            field += c;
+            anything = anything || !c.isSpace();
+        }
+    }
+    if (anything || !field.isEmpty() || !record.fields.isEmpty())
+        endRecord();
+    return records;
+}
+
+std::optional<qint64> readClockTime(QStringView text)
+{
+    text = text.trimmed();
+    if (text.isEmpty())
+        return std::nullopt;
+    QStringView whole = text;
+    qint64 fractionMs = 0;
+    qsizetype point = text.indexOf(u'.');
+    if (point < 0)
+        point = text.indexOf(u',');
+    if (point >= 0) {
+        whole = text.left(point);
+        const QStringView fraction = text.sliced(point + 1);
+        if (fraction.isEmpty() || fraction.size() > 3)
+            return std::nullopt;
+        for (const QChar c : fraction)
+            if (c < u'0' || c > u'9')
+                return std::nullopt;
+        fractionMs = fraction.toInt();
+        for (qsizetype n = fraction.size(); n < 3; ++n)
+            fractionMs *= 10;
+    }
+    const QList<QStringView> parts = whole.split(u':');
+    if (parts.size() < 2 || parts.size() > 3)
+        return std::nullopt;
+    qint64 seconds = 0;
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        const QStringView part = parts[i];
+        if (part.isEmpty() || part.size() > 2)
+            return std::nullopt;
+        for (const QChar c : part)
+            if (c < u'0' || c > u'9')
+                return std::nullopt;
+        const int value = part.toInt();
+        if (i > 0 && value > 59)
+            return std::nullopt;
+        seconds = seconds * 60 + value;
+    }
+    return seconds * 1000 + fractionMs;
+}
+
+Loaded read(QByteArrayView bytes)
+{
+    Loaded loaded;
+    if (bytes.size() > maxFileBytes) {
+        loaded.refusal = QStringLiteral("El fichero ocupa más de 20 MB: no parece una lista de "
+                                        "inscritos.");
+        return loaded;
+    }
+    const QString text = decode(bytes);
+    const QList<Record> records = parse(text, detectSeparator(text));
+    if (records.isEmpty()) {
+        loaded.refusal = QStringLiteral("El fichero está vacío.");
+        return loaded;
+    }
+
+    static const QHash<QString, Column> known = {
+        {QStringLiteral("dorsal"), Dorsal},       {QStringLiteral("nombre"), Nombre},
+        {QStringLiteral("apellidos"), Apellidos}, {QStringLiteral("club"), Club},
+        {QStringLiteral("categoria"), Categoria}, {QStringLiteral("sexo"), Sexo},
+        {QStringLiteral("salida"), Salida}};
+    qsizetype at[Columns];
+    std::fill(std::begin(at), std::end(at), -1);
+    const QStringList& header = records.first().fields;
+    for (qsizetype i = 0; i < header.size(); ++i) {
+        const auto column = known.constFind(plainHeader(header[i]));
+        if (column != known.cend() && at[*column] < 0)
+            at[*column] = i;
+    }
+    if (at[Dorsal] < 0) {
+        loaded.refusal = QStringLiteral("La primera fila del fichero no tiene una columna "
+                                        "«dorsal»: no se ha cargado nada.");
+        return loaded;
+    }
+
+    QSet<int> seen;
+    for (qsizetype r = 1; r < records.size(); ++r) {
+        const Record& record = records[r];
+        const auto field = [&record, &at](Column column) {
+            return at[column] >= 0 ? record.fields.value(at[column]) : QString();
+        };
+        const std::optional<int> bib = readBib(field(Dorsal));
+        if (!bib || seen.contains(*bib)) {
+            loaded.skippedLines << record.line;
+            continue;
+        }
+        seen.insert(*bib);
+        Entrant entrant;
+        entrant.bib = *bib;
+        entrant.nombre = field(Nombre);
+        entrant.apellidos = field(Apellidos);
+        entrant.club = field(Club);
+        entrant.categoria = field(Categoria);
+        entrant.sexo = field(Sexo);
+        const QString salida = field(Salida);
+        if (!salida.isEmpty()) {
+            entrant.salidaMs = readClockTime(salida);
+            if (!entrant.salidaMs)
+                loaded.badStartLines << record.line;
+        }
+        loaded.entrants << entrant;
+    }
+    return loaded;
+}
+
+QString skippedMessage(const Loaded& loaded)
+{
+    QStringList parts;
+    if (!loaded.skippedLines.isEmpty())
+        parts << QStringLiteral("No se han cargado las filas con un dorsal que falta, no es un "
+                                "número de 1 a %1 o está repetido (líneas %2).")
+                     .arg(maxBib)
+                     .arg(lineList(loaded.skippedLines));
+    if (!loaded.badStartLines.isEmpty())
+        parts << QStringLiteral("Se han cargado sin hora de salida las filas cuya salida no es "
+                                "una hora h:mm:ss (líneas %1).")
+                     .arg(lineList(loaded.badStartLines));
+    return parts.join(u'\n');
+}
+
+} // namespace entrants

@@ -1,0 +1,71 @@
+// The entrants of a race, loaded from a spreadsheet saved as CSV: a header row, then one row a
+// runner. The separator (";", "," or a tab) and the encoding (UTF-8, with or without its mark,
+// or Windows-1252) are taken from the file itself. Columns are found by their header, case and
+// accents aside: dorsal (required), nombre, apellidos, club, categoria, sexo and salida, the
+// start time of a time trial on the race clock (h:mm:ss). Other columns are ignored.
+#pragma once
+
+#include <QByteArrayView>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+
+#include <optional>
+
+namespace entrants
+{
+
+inline constexpr qint64 maxFileBytes = 20 * 1024 * 1024;
+// The copy of the loaded file kept beside the state file, read again at start-up.
+inline constexpr char keptFile[] = "MARVO-inscritos.csv";
+// The bibs a list line can hold.
+inline constexpr int maxBib = 9999;
+
+struct Entrant {
+    int bib = 0;
+    QString nombre;
+    QString apellidos;
+    QString club;
+    QString categoria;
+    QString sexo;
+    std::optional<qint64> salidaMs; // start time on the race clock, in milliseconds
+
+    // The name as results print it: first name, then surnames.
+    QString fullName() const;
+};
+
+struct Loaded {
+    QList<Entrant> entrants;  // in file order
+    QList<int> skippedLines;  // rows without a usable bib, by the file line they start on
+    QList<int> badStartLines; // rows loaded without their unreadable start time
+    QString refusal;          // why nothing was loaded; empty when the file was taken
+};
+
+// The text of the file: UTF-8 when it is valid UTF-8 (its mark dropped), else Windows-1252.
+QString decode(QByteArrayView bytes);
+
+// The separator of the file: the one of ";", tab and "," found most often in the header line.
+QChar detectSeparator(QStringView text);
+
+// The records of a CSV text: quoted fields may hold separators, doubled quotes and line breaks;
+// unquoted fields are trimmed; blank lines are passed over. Each record comes with the line
+// (1-based) it starts on.
+struct Record {
+    int line = 0;
+    QStringList fields;
+};
+QList<Record> parse(QStringView text, QChar separator);
+
+// The whole reading: refused when larger than maxFileBytes, without a header row or without a
+// "dorsal" column. Rows with a missing, non-numeric, out-of-range or repeated bib are skipped.
+Loaded read(QByteArrayView bytes);
+
+// What the operator is told about the skipped rows: their lines, the first 20, then how many
+// more. Empty when none was skipped.
+QString skippedMessage(const Loaded& loaded);
+
+// A time of the race clock, h:mm:ss with an optional fraction after "." or ",", or mm:ss.
+std::optional<qint64> readClockTime(QStringView text);
+
+} // namespace entrants

@@ -1,0 +1,57 @@
+// The classification as people read it: tables of text for the printed page and the web page,
+// and one row a finish for spreadsheets. Times read h:mm:ss with the race's fraction after a
+// comma ("1:02:03,450"); a gap is the same with a plus sign.
+#pragma once
+
+#include "results/core/classification.h"
+
+#include <QByteArray>
+#include <QDate>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace resultsreport
+{
+
+inline constexpr char pdfFile[] = "C:\\Carreras\\copias\\resultados.pdf";
+inline constexpr char htmlFile[] = "C:\\Carreras\\copias\\resultados.html";
+inline constexpr char csvFile[] = "C:\\Carreras\\copias\\resultados.csv";
+
+// How a column is set: numbers and times to the right, texts to the left; the wide texts
+// (names, clubs) share what the others leave of the width.
+enum class Column { Number, Text, WideText };
+
+struct Table {
+    QString title;
+    QStringList header;
+    QList<QStringList> rows;
+    QList<Column> columns;
+};
+
+struct Report {
+    QString raceName;
+    QDate date;
+    QList<Table> tables;
+};
+
+// A time in milliseconds with `fractionDigits` (0, 2 or 3) digits after the comma.
+QString clockText(qint64 ms, int fractionDigits);
+
+// The general classification, one per category when the entrants have categories, then the
+// finishes that are not ranked, each kind in a table of its own.
+Report report(const classification::Results& results, const QList<entrants::Entrant>& entrants,
+              int fractionDigits, const QString& raceName, const QDate& date);
+
+// One self-contained HTML5 page, UTF-8; the tables scroll sideways on a narrow screen.
+QByteArray html(const Report& report);
+
+// UTF-8 with its mark, ";" between fields, CR LF after every row: a header, then one row a
+// finish in the order of the classification.
+QByteArray csv(const classification::Results& results, const QList<entrants::Entrant>& entrants,
+               int fractionDigits);
+
+// The fraction digits of a time format (Segundos, Centesimas, Milesimas).
+int fractionDigitsOf(int format);
+
+} // namespace resultsreport

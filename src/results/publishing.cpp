@@ -1,0 +1,165 @@
+// The entrants loaded from a spreadsheet and the results people read: the classification as a
+// printable PDF, a web page and a spreadsheet, in the results folder.
+#include "app/formmarvolendo.h"
+#include "base/paths.h"
+#include "base/savefile.h"
+#include "files/core/exports.h"
+#include "results/core/classification.h"
+#include "results/core/resultsreport.h"
+#include "results/resultspdf.h"
+
+#include <QDate>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+
+#include <memory>
+
+namespace
+{
+
+// The race name, kept beside the state file with the entrants.
+constexpr char raceNameFile[] = "MARVO-carrera.txt";
+
+// The classification of the lines and the three files drawn and written from it.
+exports::WriteResult writeResults(const QStringList& list1, const QStringList& list2,
+                                  const QList<entrants::Entrant>& entered, int digits,
+                                  const QString& name, const QDate& date)
+{
+    const classification::Results results = classification::classify(list1, entered, list2);
+    const resultsreport::Report report =
+        resultsreport::report(results, entered, digits, name, date);
+    return exports::write(
+        {{QString::fromLatin1(resultsreport::pdfFile), resultspdf::render(report)},
+         {QString::fromLatin1(resultsreport::htmlFile), resultsreport::html(report)},
+         {QString::fromLatin1(resultsreport::csvFile),
+          resultsreport::csv(results, entered, digits)}});
+}
+
+} // namespace
+
+QString FormMarvolendo::besideState(const char* name) const
+{
+    return carpeta + QLatin1String(name);
+}
+
+void FormMarvolendo::loadEntrants()
+{
+    FileRequest request;
+    request.title = QStringLiteral("Cargar inscritos (CSV)");
+    request.filter = QStringLiteral("Hojas de cálculo CSV (*.csv *.CSV *.txt *.TXT);;Todos los "
+                                    "ficheros (*)");
+    request.defaultSuffix = QStringLiteral("csv");
+    const QString path = dialogs.openFile(this, request);
+    if (path.isEmpty())
+        return;
+
+    const QString title = QStringLiteral("Inscritos");
+    QFile file(path);
+    if (file.size() > entrants::maxFileBytes) {
+        dialogs.warn(this, title,
+                     QStringLiteral("El fichero ocupa más de 20 MB: no parece una lista de "
+                                    "inscritos. No se ha cargado nada."));
+        return;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        dialogs.warn(this, title,
+                     QStringLiteral("No se pudo abrir %1: %2")
+                         .arg(QDir::toNativeSeparators(path), file.errorString()));
+        return;
+    }
+    // Read one byte past the limit: a file that grew since its size was taken is still refused.
+    const QByteArray bytes = file.read(entrants::maxFileBytes + 1);
+    const entrants::Loaded loaded = entrants::read(bytes);
+    if (!loaded.refusal.isEmpty()) {
+        dialogs.warn(this, title, loaded.refusal);
+        return;
+    }
+
+    inscritos = loaded.entrants;
+    const QString kept = savefile::write(besideState(entrants::keptFile), bytes);
+    recheckAllBibs();
+
+    QString summary = QStringLiteral("Cargados %1 inscritos.").arg(inscritos.size());
+    const QString skipped = entrants::skippedMessage(loaded);
+    if (!skipped.isEmpty())
+        summary += u'\n' + skipped;
+    if (!kept.isEmpty())
+        summary += QStringLiteral("\nNo se pudo guardar una copia junto a MARVO.dat (%1): al "
+                                  "volver a abrir el programa habrá que cargarlos otra vez.")
+                       .arg(kept);
+    dialogs.inform(this, title, summary);
+}
+
+void FormMarvolendo::reloadEntrants()
+{
+    QFile file(besideState(entrants::keptFile));
+    if (file.open(QIODevice::ReadOnly))
+        inscritos = entrants::read(file.read(entrants::maxFileBytes + 1)).entrants;
+    QFile name(besideState(raceNameFile));
+    if (name.open(QIODevice::ReadOnly))
+        nombreCarrera = QString::fromUtf8(name.readAll()).trimmed();
+}
+
+bool FormMarvolendo::hasEntrants() const
+{
+    return !inscritos.isEmpty() || !nombreCarrera.isEmpty();
+}
+
+void FormMarvolendo::forgetEntrants()
+{
+    if (!hasEntrants())
+        return;
+    inscritos.clear();
+    nombreCarrera.clear();
+    QFile::remove(besideState(entrants::keptFile));
+    QFile::remove(besideState(raceNameFile));
+    recheckAllBibs();
+}
+
+void FormMarvolendo::publishResults()
+{
+    if (resultsThread) {
+        avisar(QStringLiteral("Los resultados anteriores se están guardando todavía."));
+        return;
+    }
+    if (nombreCarrera.isEmpty()) {
+        const QString name =
+            dialogs
+                .askText(this, QStringLiteral("Resultados"),
+                         QStringLiteral("Nombre de la carrera (sale en cada página):"))
+                .trimmed();
+        if (name.isEmpty())
+            return;
+        nombreCarrera = name;
+        const QString reason = savefile::write(besideState(raceNameFile), name.toUtf8());
+        if (!reason.isEmpty())
+            avisar(QStringLiteral("No se pudo guardar el nombre de la carrera (%1).").arg(reason));
+    }
+
+    // The files are drawn and written away from the window: a big race takes most of a second,
+    // and the clock and the finish keys must not wait for it.
+    auto written = std::make_shared<exports::WriteResult>();
+    resultsThread =
+        QThread::create([written, list1 = race.list1(), list2 = race.list2(), entered = inscritos,
+                         digits = resultsreport::fractionDigitsOf(checkedFormat()),
+                         name = nombreCarrera, date = QDate::currentDate()] {
+            *written = writeResults(list1, list2, entered, digits, name, date);
+        });
+    resultsThread->setParent(this);
+    connect(resultsThread, &QThread::finished, this, [this, written] {
+        resultsThread->deleteLater();
+        resultsThread = nullptr;
+        // The clock goes on: the outcome is a notice, not a box to close.
+        if (!written->ok())
+            avisar(written->message);
+        else
+            avisar(
+                QStringLiteral("Resultados guardados en %1: resultados.pdf, resultados.html "
+                               "y resultados.csv.")
+                    .arg(QDir::toNativeSeparators(
+                        QFileInfo(paths::local(QLatin1String(exports::folder))).absolutePath())));
+    });
+    resultsThread->start(QThread::LowPriority);
+}

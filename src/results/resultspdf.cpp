@@ -1,0 +1,219 @@
+#include "resultspdf.h"
+
+#include <QBuffer>
+#include <QFontMetricsF>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+
+#include <algorithm>
+#include <vector>
+
+namespace resultspdf
+{
+
+namespace
+{
+
+using resultsreport::Column;
+using resultsreport::Table;
+
+constexpr int dpi = 300;
+
+// The pages are laid out twice: once to count them, for "Página N de M", then to draw.
+class Pages
+{
+public:
+    // Without `draw` the pages are only counted.
+    Pages(QPdfWriter& pdf, bool draw, const resultsreport::Report& content, int pages)
+        : device(&pdf), writer(draw ? &pdf : nullptr), report(content), total(pages)
+    {
+        body.setPointSizeF(8.5);
+        // Latin text needs no shaping; without it "fi" stays two letters for a search of the
+        // page, and the many rows draw faster.
+        body.setStyleStrategy(QFont::PreferNoShaping);
+        // Whole-pixel advances write shorter glyph positions: a smaller page, drawn faster.
+        body.setHintingPreference(QFont::PreferFullHinting);
+        bold = body;
+        bold.setBold(true);
+        heading = bold;
+        heading.setPointSizeF(11);
+        banner = bold;
+        banner.setPointSizeF(12);
+        if (writer) {
+            painter.begin(writer);
+            painter.setPen(Qt::black);
+        }
+        // Metrics at the writer's resolution, with or without a painter.
+        const QFontMetricsF m(body, device);
+        rowHeight = m.height() * 1.35;
+        pad = m.averageCharWidth() * 0.8;
+        width = pdf.width();
+        height = pdf.height();
+    }
+
+    int run()
+    {
+        newPage();
+        for (const Table& t : report.tables)
+            table(t);
+        if (writer)
+            painter.end();
+        return page;
+    }
+
+private:
+    void newPage()
+    {
+        if (page > 0 && writer)
+            writer->newPage();
+        ++page;
+        const QFontMetricsF m(banner, device);
+        const qreal line = m.height();
+        if (writer) {
+            painter.setFont(banner);
+            const QRectF top(0, 0, width, line);
+            painter.drawText(top, Qt::AlignLeft | Qt::AlignVCenter,
+                             m.elidedText(report.raceName, Qt::ElideRight, width * 0.55));
+            painter.setFont(body);
+            painter.drawText(top, Qt::AlignHCenter | Qt::AlignVCenter,
+                             report.date.toString(QStringLiteral("dd/MM/yyyy")));
+            painter.drawText(top, Qt::AlignRight | Qt::AlignVCenter,
+                             QStringLiteral("Página %1 de %2").arg(page).arg(total));
+            painter.drawLine(QPointF(0, line * 1.2), QPointF(width, line * 1.2));
+        }
+        y = line * 1.8;
+    }
+
+    // The widths of the columns: the narrow ones as wide as their longest text, the wide ones
+    // sharing what is left, the first twice as much as the others.
+    std::vector<qreal> widths(const Table& t) const
+    {
+        const QFontMetricsF m(body, device);
+        const QFontMetricsF b(bold, device);
+        std::vector<qreal> w(static_cast<std::size_t>(t.header.size()));
+        qreal narrow = 0;
+        int shares = 0;
+        for (qsizetype c = 0; c < t.header.size(); ++c) {
+            if (t.columns.value(c) == Column::WideText) {
+                shares += shares == 0 ? 2 : 1;
+                continue;
+            }
+            qsizetype longest = -1;
+            for (qsizetype r = 0; r < t.rows.size(); ++r)
+                if (longest < 0 || t.rows[r].value(c).size() > t.rows[longest].value(c).size())
+                    longest = r;
+            qreal need = b.horizontalAdvance(t.header[c]);
+            if (longest >= 0)
+                need = std::max(need, m.horizontalAdvance(t.rows[longest].value(c)));
+            w[static_cast<std::size_t>(c)] = need + 2 * pad;
+            narrow += need + 2 * pad;
+        }
+        const qreal share = shares > 0 ? std::max<qreal>(0, width - narrow) / shares : 0;
+        bool first = true;
+        for (qsizetype c = 0; c < t.header.size(); ++c)
+            if (t.columns.value(c) == Column::WideText) {
+                w[static_cast<std::size_t>(c)] = share * (first ? 2 : 1);
+                first = false;
+            }
+        return w;
+    }
+
+    void row(const QStringList& cells, const Table& t, const std::vector<qreal>& w, bool header,
+             bool shaded)
+    {
+        if (writer) {
+            if (header || shaded)
+                painter.fillRect(QRectF(0, y, width, rowHeight),
+                                 header ? QColor(225, 225, 225) : QColor(244, 244, 244));
+            const QFont& font = header ? bold : body;
+            if (painter.font() != font)
+                painter.setFont(font);
+            const QFontMetricsF m(font, device);
+            // Texts are placed by their baseline: a line of text needs no layout of its own.
+            const qreal baseline = y + (rowHeight + m.ascent() - m.descent()) / 2;
+            qreal x = 0;
+            for (qsizetype c = 0; c < cells.size() && c < qsizetype(w.size()); ++c) {
+                const qreal cw = w[static_cast<std::size_t>(c)];
+                if (t.columns.value(c) == Column::WideText)
+                    painter.drawText(QPointF(x + pad, baseline),
+                                     m.elidedText(cells[c], Qt::ElideRight, cw - 2 * pad));
+                else if (header || t.columns.value(c) == Column::Text)
+                    painter.drawText(QPointF(x + pad, baseline), cells[c]);
+                else
+                    painter.drawText(
+                        QPointF(x + cw - pad - m.horizontalAdvance(cells[c]), baseline), cells[c]);
+                x += cw;
+            }
+        }
+        y += rowHeight;
+    }
+
+    void title(const QString& text)
+    {
+        const QFontMetricsF m(heading, device);
+        if (writer) {
+            painter.setFont(heading);
+            painter.drawText(QRectF(0, y, width, m.height()), Qt::AlignLeft | Qt::AlignVCenter,
+                             text);
+        }
+        y += m.height() * 1.3;
+    }
+
+    void table(const Table& t)
+    {
+        const QFontMetricsF m(heading, device);
+        const std::vector<qreal> w = widths(t);
+        // A title is not left alone at the foot of a page: it goes with its first rows.
+        y += rowHeight * 0.6;
+        if (y + m.height() * 1.3 + rowHeight * 3 > height)
+            newPage();
+        title(t.title);
+        row(t.header, t, w, true, false);
+        for (qsizetype r = 0; r < t.rows.size(); ++r) {
+            if (y + rowHeight > height) {
+                newPage();
+                title(QStringLiteral("%1 (continuación)").arg(t.title));
+                row(t.header, t, w, true, false);
+            }
+            row(t.rows[r], t, w, false, r % 2 == 1);
+        }
+    }
+
+    QPdfWriter* device;
+    QPdfWriter* writer; // none while counting
+    const resultsreport::Report& report;
+    int total;
+    QPainter painter;
+    QFont body, bold, heading, banner;
+    qreal rowHeight = 0, pad = 0, width = 0, height = 0, y = 0;
+    int page = 0;
+};
+
+} // namespace
+
+QByteArray render(const resultsreport::Report& report)
+{
+    QByteArray bytes;
+    // About 250 bytes a row once compressed: the buffer need not grow as the pages come.
+    qsizetype rows = 0;
+    for (const Table& t : report.tables)
+        rows += t.rows.size();
+    bytes.reserve(4096 + rows * 256);
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    {
+        QPdfWriter writer(&buffer);
+        writer.setResolution(dpi);
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
+                                         QMarginsF(15, 12, 15, 12), QPageLayout::Millimeter));
+        writer.setTitle(report.raceName.isEmpty() ? QStringLiteral("Resultados") : report.raceName);
+        writer.setCreator(QStringLiteral("Marvolendo"));
+        const int total = Pages(writer, false, report, 0).run();
+        Pages(writer, true, report, total).run();
+    }
+    return bytes;
+}
+
+} // namespace resultspdf
