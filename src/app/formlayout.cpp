@@ -2,6 +2,7 @@
 #include "app/artwork.h"
 #include "app/core/statefile.h"
 #include "app/formmarvolendo.h"
+#include "files/core/latestwriter.h"
 #include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
@@ -394,6 +395,9 @@ void FormMarvolendo::connectHandlers()
     connect(&race, &Race::changed, this, &FormMarvolendo::showChange);
     connect(&race, &Race::changed, this, &FormMarvolendo::journalChange);
     connect(&race, &Race::restored, this, &FormMarvolendo::showRestored);
+    startTimesWriter = std::make_unique<LatestWriter>();
+    connect(startTimesWriter.get(), &LatestWriter::written, this,
+            &FormMarvolendo::startTimesWritten);
 
     connect(Command1[0], &QPushButton::clicked, this, [this] { Command1_Click(0); });
     connect(Command1[1], &QPushButton::clicked, this, [this] { Command1_Click(1); });

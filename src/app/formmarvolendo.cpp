@@ -11,6 +11,7 @@
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
 #include "files/adodatacontrol.h"
+#include "files/core/latestwriter.h"
 #include "files/odbc/readingslink.h"
 
 #include <QAction>
@@ -62,6 +63,8 @@ FormMarvolendo::~FormMarvolendo()
     // Results still being written finish first: their files are never left half made.
     if (resultsThread)
         resultsThread->wait();
+    // The last start-times file is written before the window goes.
+    startTimesWriter.reset();
 }
 
 int FormMarvolendo::checkedFormat() const

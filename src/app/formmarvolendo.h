@@ -311,6 +311,8 @@ private:
 
     // Helpers shared by the handlers.
     void guardarSalidas();
+    std::unique_ptr<class LatestWriter> startTimesWriter;
+    void startTimesWritten(const QString& message);
     void recordFinish(); // a fresh tick, then the Lap: a finish is stamped when it arrives
     void rewriteCorrectedLine();
     void bibFieldGotFocus(QLineEdit* field);

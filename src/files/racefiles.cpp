@@ -2,6 +2,7 @@
 #include "app/formmarvolendo.h"
 #include "base/paths.h"
 #include "files/core/exports.h"
+#include "files/core/latestwriter.h"
 #include "files/core/startorder.h"
 #include "files/odbc/readingslink.h"
 
@@ -29,6 +30,8 @@ exports::Source exportSource(const Race& race, bool opp2, int format)
 
 void FormMarvolendo::Command6_Click()
 {
+    // A start-times file still on its way is written first, so it cannot land after this one.
+    startTimesWriter->waitIdle();
     // The notice is drawn before the files are written, so it shows even on a slow disk.
     Frame3->show();
     Frame3->repaint();
@@ -47,11 +50,16 @@ void FormMarvolendo::Command6_Click()
 
 void FormMarvolendo::guardarSalidas()
 {
-    // The finish is already in the lists: a failure here must not stop the timekeeper.
-    const exports::WriteResult result =
-        exports::saveStartTimes(exportSource(race, opp2->isChecked(), checkedFormat()));
-    if (!result.ok())
-        avisar(QStringLiteral("%1. La llegada ha quedado registrada.").arg(result.message));
+    // The finish is already in the lists and the journal: the file is written away from the
+    // window, and a failure comes back as a notice (startTimesWritten).
+    startTimesWriter->submit(
+        exports::startTimesFile(exportSource(race, opp2->isChecked(), checkedFormat())));
+}
+
+void FormMarvolendo::startTimesWritten(const QString& message)
+{
+    if (!message.isEmpty())
+        avisar(QStringLiteral("%1. La llegada ha quedado registrada.").arg(message));
 }
 
 void FormMarvolendo::Command7_Click()

@@ -14,7 +14,8 @@ const QString folder = QStringLiteral("C/Carreras/copias/");
 
 // Opens the window on a stopped, empty race in Milesimas and the given capture mode, starts the
 // clock at 10:00:00 and takes finishes by F1 at 12.5 s with bib 7, by F3 at 75.25 s with 345.
-static void twoFinishes(FormFixture& f, bool opp2, QByteArray* salidaAfterFirst = nullptr)
+static void twoFinishes(FormFixture& f, bool opp2,
+                        const std::optional<QByteArray>& salidaAfterFirst = {})
 {
     RaceState race;
     race.formato = 2; // Milesimas
@@ -26,8 +27,9 @@ static void twoFinishes(FormFixture& f, bool opp2, QByteArray* salidaAfterFirst 
     f.clock.advance(12.5);
     text1->setText("7");
     f.pressF(1);
+    // The file is written away from the window: the test waits for it.
     if (salidaAfterFirst)
-        *salidaAfterFirst = f.readFile(folder + "TiemposSalida.txt");
+        QTRY_COMPARE(f.readFile(folder + "TiemposSalida.txt"), *salidaAfterFirst);
     f.clock.advance(62.75);
     text1->setText("345");
     f.pressF(3);
@@ -69,10 +71,8 @@ private slots:
         f.makeResultsFolder();
         // A stale file from an earlier race is replaced at the first finish.
         f.writeFile(folder + "TiemposSalida.txt", "  99,01:00:00:000\r\n");
-        QByteArray afterFirst;
-        twoFinishes(f, opp2, &afterFirst);
-        QCOMPARE(afterFirst, salida.left(salida.indexOf('\n') + 1));
-        QCOMPARE(f.readFile(folder + "TiemposSalida.txt"), salida);
+        twoFinishes(f, opp2, salida.left(salida.indexOf('\n') + 1));
+        QTRY_COMPARE(f.readFile(folder + "TiemposSalida.txt"), salida);
         QCOMPARE(QDir(f.path(folder)).entryList(QDir::Files), QStringList{"TiemposSalida.txt"});
 
         f.click("Command6");
@@ -103,8 +103,8 @@ private slots:
         // F1 and F3: both finishes recorded, the failure a notice and not a box to click.
         QCOMPARE(f.lines("List1").size(), 2);
         QVERIFY(f.dialogs.shown.isEmpty());
-        QVERIFY2(!f.label("aviso")->isHidden() && f.label("aviso")->text().contains(where),
-                 qPrintable(f.label("aviso")->text()));
+        QTRY_VERIFY2(!f.label("aviso")->isHidden() && f.label("aviso")->text().contains(where),
+                     qPrintable(f.label("aviso")->text()));
         // The export button warns, and the notice does not claim a save.
         f.click("Command6");
         QCOMPARE(f.dialogs.shown.size(), 1);
