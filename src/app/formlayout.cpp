@@ -2,12 +2,12 @@
 #include "app/artwork.h"
 #include "app/core/statefile.h"
 #include "app/formmarvolendo.h"
-#include "files/core/latestwriter.h"
 #include "app/layouts.h"
 #include "app/look.h"
 #include "app/texts.h"
 #include "app/version.h"
 #include "files/adodatacontrol.h"
+#include "files/core/latestwriter.h"
 
 #include <QAction>
 #include <QComboBox>
