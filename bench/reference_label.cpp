@@ -16,6 +16,7 @@ int main(int argc, char* argv[])
     font.setPointSize(24);
     label.setFont(font);
     label.resize(320, 80);
+    label.move(900, 700); // beside the program's window, not under it
     label.setAlignment(Qt::AlignCenter);
     label.show();
 

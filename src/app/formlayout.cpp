@@ -37,6 +37,15 @@ QFont sansFont(qreal points, bool bold = false)
     return font;
 }
 
+// The font of a caption of digits that changes with the clock: digits need no shaping, which
+// is most of the cost of drawing them again and again.
+QFont digitsFont(qreal points, bool bold = false)
+{
+    QFont font = sansFont(points, bold);
+    font.setStyleStrategy(QFont::PreferNoShaping);
+    return font;
+}
+
 template <typename W> W* make(QWidget* parent, const QString& name)
 {
     auto* w = new W(parent);
@@ -73,9 +82,9 @@ void FormMarvolendo::buildControls()
     area->setObjectName(QStringLiteral("area"));
     setCentralWidget(area);
 
-    const QFont clockFont = sansFont(26, true);
+    const QFont clockFont = digitsFont(26, true);
     const QFont titleFont = sansFont(7.5);
-    const QFont timeFont = sansFont(11, true);
+    const QFont timeFont = digitsFont(11, true);
 
     // Frame2 stands behind the clock and its buttons; Frame1 groups the results.
     Frame2 = make<QGroupBox>(area, QStringLiteral("Frame2"));
@@ -108,7 +117,7 @@ void FormMarvolendo::buildControls()
     look::place(Command4, 2220, 0, 480, 405);
     // The countdown has no caption until the first finish or the first second counted.
     Label18 =
-        label(area, QStringLiteral("Label18"), QString(), sansFont(12, true), Qt::AlignCenter);
+        label(area, QStringLiteral("Label18"), QString(), digitsFont(12, true), Qt::AlignCenter);
     look::place(Label18, 2760, 0, 555, 405);
     Label18->setToolTip(QStringLiteral("Cuenta atrás hasta la salida seleccionada"));
     Command6 =
@@ -120,20 +129,24 @@ void FormMarvolendo::buildControls()
     Label1 = label(area, QStringLiteral("Label1"), QStringLiteral("00:00:00"), clockFont,
                    Qt::AlignCenter);
     look::place(Label1, 120, 420, 3015, 510);
-    Label6 = label(area, QStringLiteral("Label6"), QStringLiteral("000"), sansFont(20, true),
+    Label6 = label(area, QStringLiteral("Label6"), QStringLiteral("000"), digitsFont(20, true),
                    Qt::AlignLeft | Qt::AlignVCenter);
     look::place(Label6, 3120, 420, 1215, 510);
-    // In "Segundos" the clock is widened over the emptied fraction label: it lies above it.
-    Label1->raise();
+    // The fraction label lies above the clock's last pixel column, so that its ticks do not
+    // repaint the clock as well; in "Segundos" the widened clock goes on top (options.cpp).
+    Label6->raise();
     ProgressBar1 = make<QProgressBar>(area, QStringLiteral("ProgressBar1"));
     ProgressBar1->setRange(0, 59);
     ProgressBar1->setValue(0);
     ProgressBar1->setTextVisible(false);
     look::place(ProgressBar1, 120, 960, 3615, 75);
-    Label3 = label(area, QStringLiteral("Label3"), QStringLiteral("000"), sansFont(7),
+    Label3 = label(area, QStringLiteral("Label3"), QStringLiteral("000"), digitsFont(7),
                    Qt::AlignRight | Qt::AlignVCenter);
     look::place(Label3, 3765, 930, 570, 150);
     look::setFore(Label3, look::grey);
+    // Opaque, in the window's own colour: its thousandths repaint it alone, not the frame
+    // behind the clock.
+    Label3->setAutoFillBackground(true);
 
     // The recording row: "Lap" (or the bib field in its place) and the rank counter.
     Command3 = make<QPushButton>(area, QStringLiteral("Command3"));
@@ -286,8 +299,8 @@ void FormMarvolendo::placeSheet(bool bibsOnly)
         const layouts::Rect& r = bibsOnly ? m.bibsOnly : m.normal;
         auto* w = findChild<QWidget*>(QLatin1String(m.control));
         const QRect now = w->geometry();
-        w->setGeometry(px(r.left, now.x()), px(r.top, now.y()), px(r.width, now.width()),
-                       px(r.height, now.height()));
+        look::setBox(w, QRect(px(r.left, now.x()), px(r.top, now.y()), px(r.width, now.width()),
+                              px(r.height, now.height())));
     }
 }
 

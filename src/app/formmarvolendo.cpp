@@ -31,9 +31,10 @@
 namespace
 {
 
-// The clock is redrawn at about the rate a screen shows; a finish takes a fresh reading of its
-// own, so the stamped time does not depend on this rate.
-constexpr int displayIntervalMs = 20;
+// The clock is redrawn 28 times a second: the thousandths still run before the eye, at about
+// half the cost of following the screen's rate on a battery. A finish takes a fresh reading of
+// its own, so the stamped time does not depend on this rate.
+constexpr int displayIntervalMs = 36;
 // The time of day only changes its caption once a minute.
 constexpr int timeOfDayIntervalMs = 250;
 
@@ -235,7 +236,7 @@ void FormMarvolendo::recuperar()
         }
     }
 
-    look::setWidth(Label1, op2[0]->isChecked() ? layouts::clockWidthSeconds : layouts::clockWidth);
+    placeClock(op2[0]->isChecked());
 
     opp22->setEnabled(false);
     for (QAction* a : op2)

@@ -228,6 +228,8 @@ private:
     // race starts or resumes (startclock.cpp).
     double anchorElapsed = 0; // seconds run at the anchor
     double anchorMono = 0;    // the monotonic clock at the anchor
+    QString primerRead;       // tempsPrimer as the tick last read it, and its hours
+    double primerHours = 0;
     void anchorRun();
     void startRun(double startTimer, const QTime& startTime);
     // A start armed for a time of day: the monotonic moment it starts, and that time.
@@ -321,6 +323,7 @@ private:
     int checkedFormat() const;
     QList<QWidget*> bibsOnlyHidden() const; // index of the first checked op2 entry, -1 when none
     RaceState currentState() const;
+    void placeClock(bool wholeSeconds); // the clock's width for the format, and its stacking
     void setFormTwips(int widthTwips, int heightTwips);
     void setFormWidthTwips(int widthTwips);
     void setFormHeightTwips(int heightTwips);

@@ -14,9 +14,21 @@
 namespace look
 {
 
+void setBox(QWidget* w, const QRect& box)
+{
+    // A placed control keeps the size it is given, so a caption that changes (the clock's, 50
+    // times a second) does not ask the window to lay itself out again.
+    if (w->size() != box.size()) {
+        w->setMinimumSize(0, 0);
+        w->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    }
+    w->setGeometry(box);
+    w->setFixedSize(box.size());
+}
+
 void place(QWidget* w, int left, int top, int width, int height)
 {
-    w->setGeometry(px(left), px(top), px(width), px(height));
+    setBox(w, QRect(px(left), px(top), px(width), px(height)));
 }
 
 void move(QWidget* w, int left, int top)
@@ -31,7 +43,7 @@ void setLeft(QWidget* w, int left)
 
 void setWidth(QWidget* w, int width)
 {
-    w->resize(px(width), w->height());
+    setBox(w, QRect(w->pos(), QSize(px(width), w->height())));
 }
 
 int width(const QWidget* w)

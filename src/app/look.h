@@ -21,6 +21,8 @@ inline int twips(int pixels)
 }
 
 void place(QWidget* w, int left, int top, int width, int height);
+// The same in pixels: the control is moved and given that fixed size.
+void setBox(QWidget* w, const QRect& box);
 void move(QWidget* w, int left, int top);
 void setLeft(QWidget* w, int left);
 void setWidth(QWidget* w, int width);

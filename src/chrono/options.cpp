@@ -74,7 +74,7 @@ void FormMarvolendo::op2_Click(int index)
         Command4_Click();
 
     // The whole-seconds clock also covers the place of the fraction label.
-    look::setWidth(Label1, number(formato) == 0 ? layouts::clockWidthSeconds : layouts::clockWidth);
+    placeClock(number(formato) == 0);
 
     switch (checkedFormat()) {
     case 0:
@@ -200,4 +200,15 @@ void FormMarvolendo::opp22_Click()
         look::setBack(Text1, look::lightGrey);
         Command6->setToolTip(texts::tipOneFile);
     }
+}
+
+void FormMarvolendo::placeClock(bool wholeSeconds)
+{
+    look::setWidth(Label1, wholeSeconds ? layouts::clockWidthSeconds : layouts::clockWidth);
+    // The widened clock covers the emptied fraction label; otherwise the fraction label lies
+    // on top of the clock's last pixel column, and its ticks repaint it alone.
+    if (wholeSeconds)
+        Label1->raise();
+    else
+        Label6->raise();
 }

@@ -125,7 +125,12 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
         (anchorElapsed + clock.monotonic() - anchorMono) / timevalue::secondsPerHour;
     const double running = elapsed + desfase;
     temps = timevalue::tempsexaMil(running);
-    const double ref = timevalue::decimalMil(tempsPrimer);
+    // The first finisher's time changes only with a finish or an edit: read once a change.
+    if (tempsPrimer != primerRead) {
+        primerRead = tempsPrimer;
+        primerHours = timevalue::decimalMil(tempsPrimer);
+    }
+    const double ref = primerHours;
     const int format = checkedFormat();
 
     // Countdown to the selected start of the start order.
