@@ -8,6 +8,7 @@
 #include "app/version.h"
 #include "files/adodatacontrol.h"
 #include "files/core/latestwriter.h"
+#include "results/linedelegate.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -161,8 +162,9 @@ void FormMarvolendo::buildControls()
     Text1->setToolTip(QStringLiteral("Dorsal del corredor que llega; Intro toma el tiempo"));
     Text1->setVisible(false);
     Text1->setEnabled(false);
-    Label2 = label(area, QStringLiteral("Label2"), QStringLiteral("0"), sansFont(16, true),
+    Label2 = label(area, QStringLiteral("Label2"), QStringLiteral("0"), digitsFont(16, true),
                    Qt::AlignCenter);
+    Label2->setAutoFillBackground(true);
     Label2->setToolTip(QStringLiteral("Llegados"));
     look::place(Label2, 3360, 1080, 975, 570);
 
@@ -193,6 +195,10 @@ void FormMarvolendo::buildControls()
     Label8 = label(Frame1, QStringLiteral("Label8"), QStringLiteral("0:00:00:000"), timeFont,
                    Qt::AlignCenter);
     look::place(Label8, 2145, 900, 2010, 285);
+    // The times change with every finish (Label7 with every tick in the Lap mode): opaque, they
+    // repaint alone, not the frame around them.
+    for (QLabel* l : {Label4, Label5, Label7, Label8})
+        l->setAutoFillBackground(true);
     Label13 = label(Frame1, QStringLiteral("Label13"), QStringLiteral("Tiempos"), titleFont);
     look::place(Label13, 60, 1215, 2010, 165);
     Combo1 = make<QComboBox>(Frame1, QStringLiteral("Combo1"));
@@ -213,6 +219,7 @@ void FormMarvolendo::buildControls()
     List1 = make<QListWidget>(area, QStringLiteral("List1"));
     List1->setFont(look::fixedFont(9));
     List1->setUniformItemSizes(true);
+    List1->setItemDelegate(new LineDelegate(List1));
     Label14 = label(area, QStringLiteral("Label14"), QString(), look::fixedFont(9));
     look::place(Label14, 4440, 3690, 4335, 240);
     Label15 = label(area, QStringLiteral("Label15"),

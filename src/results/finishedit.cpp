@@ -70,6 +70,7 @@ void FormMarvolendo::buildEditing()
     estadoDorsales = new QLabel(List1->parentWidget());
     estadoDorsales->setObjectName(QStringLiteral("estadoDorsales"));
     estadoDorsales->setFont(look::fixedFont(7));
+    estadoDorsales->setAutoFillBackground(true); // its counts repaint it alone
     estadoDorsales->setVisible(false);
     List1->installEventFilter(this);
 

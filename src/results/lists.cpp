@@ -76,9 +76,13 @@ void FormMarvolendo::showChange(const RaceChange& c)
     case Kind::Finish:
         if (c.hasLines) {
             List1->addItem(c.list1Line);
+            // The line's colour first: a change of an item after the list has been laid out
+            // would have it laid out again, all ten thousand lines, when it is drawn.
+            checkBibs(c);
             showLast(List1);
             Combo1->addItem(c.combo1Line);
             showLast(Combo1);
+            return;
         }
         break;
     case Kind::Bib:
