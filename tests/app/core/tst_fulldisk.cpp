@@ -1,5 +1,4 @@
 // A full disk, on a small tmpfs mounted for the test (root only; skipped elsewhere).
-#include "app/core/journal.h"
 #include "app/core/statefile.h"
 
 #include <QCoreApplication>
@@ -19,7 +18,6 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
     void stateKeepsPreviousFileAndTakesTheFallback();
-    void journalReportsTheFullDisk();
     void writesInPlaceWhereTheFolderTakesNoNewFile();
     void childWrite();
 
@@ -91,20 +89,6 @@ void FullDiskTest::stateKeepsPreviousFileAndTakesTheFallback()
     QFile taken(fallback);
     QVERIFY(taken.open(QIODevice::ReadOnly));
     QCOMPARE(taken.readAll(), statefile::encode(raceOf(5000)));
-}
-
-void FullDiskTest::journalReportsTheFullDisk()
-{
-    const QString path = disk + QStringLiteral("/MARVO.jrn");
-    Journal j;
-    QVERIFY(j.start(path, RaceRecord{raceOf(1), {}, {}, {}}));
-    bool failed = false;
-    for (int i = 0; i < 100 && !failed; ++i)
-        failed = !j.append(journal::encodeSnapshot(RaceRecord{raceOf(200), {}, {}, {}}));
-    QVERIFY(failed);
-    QVERIFY(!j.error().isEmpty());
-    // What was written before the disk filled up reads back.
-    QVERIFY(journal::read(path).valid);
 }
 
 void FullDiskTest::writesInPlaceWhereTheFolderTakesNoNewFile()
