@@ -38,32 +38,40 @@ public:
         ellipsisAdvance = dots.isEmpty() ? 0 : raw.advancesForGlyphIndexes(dots).value(0).x();
     }
 
-    // The glyphs of text from x = 0, cut with an ellipsis where they pass maxWidth (when given);
-    // `advance` is the width they take.
-    QGlyphRun run(const QString& text, qreal maxWidth, qreal& advance) const
+    // The glyphs of text added to a row's, from x = left, or ending at x = right when left is
+    // not given; cut with an ellipsis where they pass maxWidth (when given).
+    void add(const QString& text, std::optional<qreal> left, qreal right, qreal maxWidth,
+             QList<quint32>& rowGlyphs, QList<QPointF>& rowPositions) const
     {
         QList<quint32> glyphs = raw.glyphIndexesForString(text);
         const QList<QPointF> advances = raw.advancesForGlyphIndexes(glyphs);
-        QList<QPointF> positions;
-        positions.reserve(glyphs.size() + 1);
+        QList<qreal> xs;
+        xs.reserve(glyphs.size() + 1);
         qreal x = 0;
         for (const QPointF& a : advances) {
-            positions.append(QPointF(x, 0));
+            xs.append(x);
             x += a.x();
         }
         if (maxWidth > 0 && x > maxWidth) {
             qsizetype keep = glyphs.size();
-            while (keep > 0 && positions[keep - 1].x() + ellipsisAdvance > maxWidth)
+            while (keep > 0 && xs[keep - 1] + ellipsisAdvance > maxWidth)
                 --keep;
             // The last glyph kept ends where the next one would start.
-            x = keep < positions.size() ? positions[keep].x() : x;
+            x = keep < xs.size() ? xs[keep] : x;
             glyphs.resize(keep);
-            positions.resize(keep);
+            xs.resize(keep);
             glyphs.append(ellipsis);
-            positions.append(QPointF(x, 0));
+            xs.append(x);
             x += ellipsisAdvance;
         }
-        advance = x;
+        const qreal start = left ? *left : right - x;
+        rowGlyphs += glyphs;
+        for (const qreal gx : xs)
+            rowPositions.append(QPointF(start + gx, 0));
+    }
+
+    QGlyphRun run(const QList<quint32>& glyphs, const QList<QPointF>& positions) const
+    {
         QGlyphRun glyphRun;
         glyphRun.setRawFont(raw);
         glyphRun.setGlyphIndexes(glyphs);
@@ -196,18 +204,23 @@ private:
                     x += w[static_cast<std::size_t>(c)];
                 }
             } else {
+                // The whole row is one run of glyphs: one text object on the page, not one
+                // a cell.
                 const qreal baseline = y + (rowHeight + bodyAscent - bodyDescent) / 2;
+                QList<quint32> glyphs;
+                QList<QPointF> positions;
                 qreal x = 0;
                 for (qsizetype c = 0; c < cells.size() && c < qsizetype(w.size()); ++c) {
                     const qreal cw = w[static_cast<std::size_t>(c)];
                     const Column kind = t.columns.value(c);
-                    qreal advance = 0;
-                    const QGlyphRun run =
-                        setter->run(cells[c], kind == Column::WideText ? cw - 2 * pad : 0, advance);
-                    const qreal left = kind == Column::Number ? x + cw - pad - advance : x + pad;
-                    painter.drawGlyphRun(QPointF(left, baseline), run);
+                    setter->add(cells[c],
+                                kind == Column::Number ? std::nullopt
+                                                       : std::optional<qreal>(x + pad),
+                                x + cw - pad, kind == Column::WideText ? cw - 2 * pad : 0, glyphs,
+                                positions);
                     x += cw;
                 }
+                painter.drawGlyphRun(QPointF(0, baseline), setter->run(glyphs, positions));
             }
         }
         y += rowHeight;
