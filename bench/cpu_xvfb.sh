@@ -7,7 +7,7 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 APP=$(realpath "${1:-$here/../build/marvolendo}")
 SECONDS_RUN=${2:-20}
-REFERENCE=$(dirname "$APP")/bench/reference_label
+REFERENCE=${REFERENCE:-$(dirname "$APP")/bench/reference_label}
 source "$here/../tests/e2e/xsession.sh"
 
 # A race started five seconds ago, in the state file's own layout.
