@@ -10,8 +10,16 @@
 #include <QRawFont>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <mutex>
 #include <optional>
+#include <utility>
 #include <vector>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 namespace resultspdf
 {
@@ -24,6 +32,43 @@ using resultsreport::Table;
 
 constexpr int dpi = 300;
 
+// Qt's PDF writer takes two 10 MB buffers to compress each page. glibc maps such a block afresh
+// every time, or grows its heap and trims it back, for each of a big race's hundreds of pages:
+// a third of the drawing went into page faults. While a report is drawn the heap keeps what it
+// has taken, and gives it back at the end.
+class HeapKept
+{
+public:
+    HeapKept()
+    {
+#if defined(__GLIBC__)
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (users++ == 0) {
+            mallopt(M_MMAP_THRESHOLD, 32 << 20);
+            mallopt(M_TRIM_THRESHOLD, 64 << 20);
+        }
+#endif
+    }
+    ~HeapKept()
+    {
+#if defined(__GLIBC__)
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (--users == 0) {
+            // glibc's own starting values.
+            mallopt(M_TRIM_THRESHOLD, 128 << 10);
+            mallopt(M_MMAP_THRESHOLD, 128 << 10);
+            malloc_trim(0);
+        }
+#endif
+    }
+    HeapKept(const HeapKept&) = delete;
+    HeapKept& operator=(const HeapKept&) = delete;
+
+private:
+    static inline std::mutex mutex;
+    static inline int users = 0;
+};
+
 // The rows are set from the font's own glyphs and advances: a cell of plain Latin text needs
 // neither the layout nor the shaping that drawText would give it, and the thousands of rows of
 // a big race draw in a fraction of the time.
@@ -33,9 +78,16 @@ public:
     GlyphSetter(const QFont& font, qreal pixelSize) : raw(QRawFont::fromFont(font))
     {
         raw.setPixelSize(pixelSize);
+        // Latin-1 is looked up once: the cells of a race seldom hold anything else.
+        QString latin1(256, QChar());
+        for (int c = 0; c < 256; ++c)
+            latin1[c] = QChar(c);
+        const QList<quint32> glyphs = raw.glyphIndexesForString(latin1);
+        const QList<QPointF> advances = raw.advancesForGlyphIndexes(glyphs);
+        for (int c = 0; c < 256 && c < glyphs.size() && c < advances.size(); ++c)
+            latin[c] = {glyphs[c], advances[c].x()};
         const QList<quint32> dots = raw.glyphIndexesForString(QStringLiteral("…"));
-        ellipsis = dots.value(0);
-        ellipsisAdvance = dots.isEmpty() ? 0 : raw.advancesForGlyphIndexes(dots).value(0).x();
+        ellipsis = {dots.value(0), dots.isEmpty() ? 0 : raw.advancesForGlyphIndexes(dots)[0].x()};
     }
 
     // The glyphs of text added to a row's, from x = left, or ending at x = right when left is
@@ -43,31 +95,28 @@ public:
     void add(const QString& text, std::optional<qreal> left, qreal right, qreal maxWidth,
              QList<quint32>& rowGlyphs, QList<QPointF>& rowPositions) const
     {
-        QList<quint32> glyphs = raw.glyphIndexesForString(text);
-        const QList<QPointF> advances = raw.advancesForGlyphIndexes(glyphs);
-        QList<qreal> xs;
-        xs.reserve(glyphs.size() + 1);
+        std::vector<Glyph> glyphs = set(text);
         qreal x = 0;
-        for (const QPointF& a : advances) {
-            xs.append(x);
-            x += a.x();
-        }
+        for (Glyph& g : glyphs)
+            x += std::exchange(g.x, x); // the advance becomes the glyph's offset
         if (maxWidth > 0 && x > maxWidth) {
-            qsizetype keep = glyphs.size();
-            while (keep > 0 && xs[keep - 1] + ellipsisAdvance > maxWidth)
+            std::size_t keep = glyphs.size();
+            while (keep > 0 && glyphs[keep - 1].x + ellipsis.x > maxWidth)
                 --keep;
             // The last glyph kept ends where the next one would start.
-            x = keep < xs.size() ? xs[keep] : x;
+            x = keep < glyphs.size() ? glyphs[keep].x : x;
             glyphs.resize(keep);
-            xs.resize(keep);
-            glyphs.append(ellipsis);
-            xs.append(x);
-            x += ellipsisAdvance;
+            glyphs.push_back({ellipsis.index, x});
+            x += ellipsis.x;
         }
-        const qreal start = left ? *left : right - x;
-        rowGlyphs += glyphs;
-        for (const qreal gx : xs)
-            rowPositions.append(QPointF(start + gx, 0));
+        // Whole device pixels (a 300th of an inch) write shorter positions, and the spaces,
+        // which leave no ink, are not written at all: a smaller page to compress.
+        const qreal start = std::round(left ? *left : right - x);
+        for (const Glyph& g : glyphs)
+            if (g.index != latin[' '].index) {
+                rowGlyphs.append(g.index);
+                rowPositions.append(QPointF(start + g.x, 0));
+            }
     }
 
     QGlyphRun run(const QList<quint32>& glyphs, const QList<QPointF>& positions) const
@@ -80,9 +129,34 @@ public:
     }
 
 private:
+    struct Glyph {
+        quint32 index = 0;
+        qreal x = 0; // its advance, or its offset in the cell
+    };
+
+    // The glyphs of text with their advances.
+    std::vector<Glyph> set(const QString& text) const
+    {
+        std::vector<Glyph> glyphs;
+        glyphs.reserve(static_cast<std::size_t>(text.size()));
+        for (const QChar c : text) {
+            if (c.unicode() >= 256)
+                break;
+            glyphs.push_back(latin[c.unicode()]);
+        }
+        if (glyphs.size() == static_cast<std::size_t>(text.size()))
+            return glyphs;
+        glyphs.clear();
+        const QList<quint32> indexes = raw.glyphIndexesForString(text);
+        const QList<QPointF> advances = raw.advancesForGlyphIndexes(indexes);
+        for (qsizetype g = 0; g < indexes.size() && g < advances.size(); ++g)
+            glyphs.push_back({indexes[g], advances[g].x()});
+        return glyphs;
+    }
+
     QRawFont raw;
-    quint32 ellipsis = 0;
-    qreal ellipsisAdvance = 0;
+    std::array<Glyph, 256> latin;
+    Glyph ellipsis;
 };
 
 // The pages are laid out twice: once to count them, for "Página N de M", then to draw.
@@ -206,7 +280,7 @@ private:
             } else {
                 // The whole row is one run of glyphs: one text object on the page, not one
                 // a cell.
-                const qreal baseline = y + (rowHeight + bodyAscent - bodyDescent) / 2;
+                const qreal baseline = std::round(y + (rowHeight + bodyAscent - bodyDescent) / 2);
                 QList<quint32> glyphs;
                 QList<QPointF> positions;
                 qreal x = 0;
@@ -273,6 +347,7 @@ private:
 
 QByteArray render(const resultsreport::Report& report)
 {
+    const HeapKept heap;
     QByteArray bytes;
     // About 250 bytes a row once compressed: the buffer need not grow as the pages come.
     qsizetype rows = 0;
