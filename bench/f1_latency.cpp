@@ -1,10 +1,13 @@
 // From a finish key to its journal entry, measured from outside the program as a timekeeper's
-// keyboard would press it: F1 sent through XTest, the journal watched with inotify.
+// keyboard would press it: F1 sent through XTest, the journal watched with inotify. And the
+// program's start-up, from its launch to its main window mapped on the screen.
 //   f1_latency <journal file> [presses] [pause ms]
+//   f1_latency --start-up <log file> <program>   prints the milliseconds and the program's pid
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/inotify.h>
 #include <time.h>
@@ -13,6 +16,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 namespace
@@ -37,10 +41,64 @@ bool drain(int fd, int timeoutMs)
     return true;
 }
 
+// Launches the program (its output to log) and waits for its main window, "Marvolendo", to be
+// mapped: the root window tells every map of a top-level window as it happens.
+int startUp(Display* display, const char* log, const char* program)
+{
+    const Window root = DefaultRootWindow(display);
+    XSelectInput(display, root, SubstructureNotifyMask);
+    XSync(display, False);
+    const double start = nowMs();
+    const pid_t pid = fork();
+    if (pid < 0)
+        return 1;
+    if (pid == 0) {
+        const int out = open(log, O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        if (out >= 0) {
+            dup2(out, STDOUT_FILENO);
+            dup2(out, STDERR_FILENO);
+        }
+        execl(program, program, static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    while (nowMs() - start < 20000) {
+        if (XPending(display) == 0) {
+            pollfd p{ConnectionNumber(display), POLLIN, 0};
+            poll(&p, 1, 100);
+            continue;
+        }
+        XEvent event;
+        XNextEvent(display, &event);
+        if (event.type != MapNotify)
+            continue;
+        char* name = nullptr;
+        const bool main = XFetchName(display, event.xmap.window, &name) && name &&
+                          std::strcmp(name, "Marvolendo") == 0;
+        if (name)
+            XFree(name);
+        if (main) {
+            std::printf("%.0f %d\n", nowMs() - start, static_cast<int>(pid));
+            return 0;
+        }
+    }
+    std::printf("-1 %d\n", static_cast<int>(pid));
+    return 1;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    if (argc == 4 && std::strcmp(argv[1], "--start-up") == 0) {
+        Display* display = XOpenDisplay(nullptr);
+        if (!display) {
+            std::fprintf(stderr, "no X display\n");
+            return 1;
+        }
+        const int result = startUp(display, argv[2], argv[3]);
+        XCloseDisplay(display);
+        return result;
+    }
     if (argc < 2) {
         std::fprintf(stderr, "usage: f1_latency <journal file> [presses] [pause ms]\n");
         return 2;
