@@ -42,10 +42,13 @@ template <typename Work> Figures measure(int runs, Work&& work)
 }
 
 // One line of figures; a target (ms) when there is one.
-inline void report(const char* what, Figures figures, double target = 0)
+inline void report(const char* what, Figures figures, double target = 0, double worstTarget = 0)
 {
     std::printf("%-58s median %8.3f ms  worst %8.3f ms", what, figures.median, figures.worst);
-    if (target > 0)
+    if (target > 0 && worstTarget > 0)
+        std::printf("  (target < %.0f ms, worst < %.0f ms) %s", target, worstTarget,
+                    figures.median < target && figures.worst < worstTarget ? "ok" : "SLOW");
+    else if (target > 0)
         std::printf("  (target < %.0f ms) %s", target, figures.median < target ? "ok" : "SLOW");
     std::printf("\n");
 }
