@@ -10,21 +10,8 @@ SECONDS_RUN=${2:-20}
 REFERENCE=${REFERENCE:-$(dirname "$APP")/bench/reference_label}
 source "$here/../tests/e2e/xsession.sh"
 
-# A race started five seconds ago, in the state file's own layout.
-now=$(date +%s)
-midnight=$(date -d 'today 00:00' +%s)
-{
-    printf ' %s \r\n 0 \r\n00:00\r\n00:00:00:000\r\n\r\n\r\n 2 \r\n 1 \r\n 10000 \r\n' \
-        "$(( (now - midnight - 5) * 1000000 ))"
-    awk 'BEGIN {
-        for (i = 1; i <= 10000; i++) {
-            t = sprintf("00:%02d:%02d:%03d", int(i / 60) % 60, i % 60, i % 1000)
-            printf "%4d- %s - 0:00:00:000\r\n%4d-%4d- %s - 0:00:00:000\r\n", i, t, i, i % 3000, t
-        }
-        printf " 500 \r\n"
-        for (i = 1; i <= 500; i++) printf "%4d-%4d - 0:%02d:%02d\r\n", i, i, int(i / 2) % 60, (i * 30) % 60
-    }'
-} >"$WORK/MARVO.dat"
+# A race started five seconds ago, bibs and times, 10,000 finishes, a start order of 500.
+running_race 5 1 10000 500
 
 hz=$(getconf CLK_TCK)
 ticks() { awk '{ print $14 + $15 }' "/proc/$1/stat"; }

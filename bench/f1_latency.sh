@@ -10,19 +10,7 @@ TOOL=$(dirname "$APP")/bench/f1_latency
 source "$here/../tests/e2e/xsession.sh"
 
 # A race started a minute ago in Milesimas, Lap mode, with 10,000 finishes.
-now=$(date +%s)
-midnight=$(date -d 'today 00:00' +%s)
-{
-    printf ' %s \r\n 0 \r\n00:00\r\n00:00:01:001\r\n\r\n\r\n 2 \r\n 0 \r\n 10000 \r\n' \
-        "$(( (now - midnight - 60) * 1000000 ))"
-    awk 'BEGIN {
-        for (i = 1; i <= 10000; i++) {
-            t = sprintf("00:%02d:%02d:%03d", int(i / 60) % 60, i % 60, i % 1000)
-            printf "%4d- %s - 0:00:00:000\r\n%4d-%4d- %s - 0:00:00:000\r\n", i, t, i, i % 3000, t
-        }
-        printf " 0 \r\n"
-    }'
-} >"$WORK/MARVO.dat"
+running_race 60 0 10000
 mkdir -p "$MARVOLENDO_DRIVE_C/Carreras/copias"
 
 # Start-up seen from outside: from the program's launch to its window mapped on the screen.

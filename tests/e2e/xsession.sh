@@ -79,14 +79,28 @@ fail() {
     exit 1
 }
 
-# Writes $WORK/MARVO.dat: a race in the "Lap" mode, in Milesimas, running for $1 seconds, with
-# no finish yet.
+# Writes $WORK/MARVO.dat: a race in Milesimas, running for $1 seconds, in the "Lap" mode or
+# ($2 = 1) the bibs-and-times mode, with $3 finishes listed (none by default) and a start order
+# of $4 lines (none by default).
 running_race() {
-    local now midnight inicio
+    local now midnight inicio finishes=${3:-0} first=
     now=$(date +%s)
     midnight=$(date -d 'today 00:00' +%s)
     inicio=$(( (now - midnight - $1) * 1000000 ))
-    printf ' %s \r\n 0 \r\n00:00\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 0 \r\n 0 \r\n' "$inicio" >"$WORK/MARVO.dat"
+    [ "$finishes" -gt 0 ] && first=00:00:01:001
+    {
+        printf ' %s \r\n 0 \r\n00:00\r\n%s\r\n\r\n\r\n 2 \r\n %s \r\n %s \r\n' \
+            "$inicio" "$first" "${2:-0}" "$finishes"
+        awk -v n="$finishes" -v s="${4:-0}" 'BEGIN {
+            for (i = 1; i <= n; i++) {
+                t = sprintf("00:%02d:%02d:%03d", int(i / 60) % 60, i % 60, i % 1000)
+                printf "%4d- %s - 0:00:00:000\r\n%4d-%4d- %s - 0:00:00:000\r\n", i, t, i, i % 3000, t
+            }
+            printf " %d \r\n", s
+            for (i = 1; i <= s; i++)
+                printf "%4d-%4d - 0:%02d:%02d\r\n", i, i, int(i / 2) % 60, (i * 30) % 60
+        }'
+    } >"$WORK/MARVO.dat"
 }
 
 # Starts the program again, answers its recovery question with Enter ("Sí") and waits (10 s
