@@ -16,8 +16,8 @@ namespace look
 
 void setBox(QWidget* w, const QRect& box)
 {
-    // A placed control keeps the size it is given, so a caption that changes (the clock's, 50
-    // times a second) does not ask the window to lay itself out again.
+    // A placed control keeps the size it is given, so a caption that changes (the clock's, with
+    // every tick) does not ask the window to lay itself out again.
     if (w->size() != box.size()) {
         w->setMinimumSize(0, 0);
         w->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);

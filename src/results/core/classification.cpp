@@ -1,6 +1,5 @@
 #include "classification.h"
 
-#include "base/basic.h"
 #include "results/core/finishedit.h"
 
 #include <QHash>
@@ -21,7 +20,7 @@ QHash<int, qint64> startOrderTimes(const QStringList& list2)
 {
     QHash<int, qint64> starts;
     for (const QString& line : list2) {
-        const int bib = static_cast<int>(basic::val(basic::mid(line, 6, 4)));
+        const int bib = finishedit::bibOfStartLine(line);
         const std::optional<qint64> start =
             entrants::readClockTime(QStringView(line).sliced(std::min(startTimeAt, line.size())));
         if (bib > 0 && start && !starts.contains(bib))

@@ -224,11 +224,16 @@ void BibChecks::set(int index, int problem)
     problems[index] = problem;
 }
 
+int bibOfStartLine(QStringView list2Line)
+{
+    return static_cast<int>(basic::val(basic::mid(list2Line, 6, 4)));
+}
+
 QSet<int> bibsOfStartOrder(const QStringList& list2)
 {
     QSet<int> bibs;
     for (const QString& line : list2)
-        bibs.insert(static_cast<int>(basic::val(basic::mid(line, 6, 4))));
+        bibs.insert(bibOfStartLine(line));
     return bibs;
 }
 

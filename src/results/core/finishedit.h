@@ -72,7 +72,8 @@ private:
     int counts[3] = {};
 };
 
-// The bibs of the start-order lines (characters 6-9).
+// The bib of a start-order line (characters 6-9), and the bibs of them all.
+int bibOfStartLine(QStringView list2Line);
 QSet<int> bibsOfStartOrder(const QStringList& list2);
 
 } // namespace finishedit
