@@ -1,4 +1,5 @@
-// The time-format menu and the three capture modes, driven through the real menu actions.
+// The time-format menu, the three capture modes and the compact window, driven through the
+// real menu actions; the clearing each of them may ask for.
 #include "app/core/statefile.h"
 #include "app/look.h"
 #include "support/formfixture.h"
@@ -21,6 +22,8 @@ private slots:
     void bibsOnlyAndBackWithCancelFirst();
     void restartInBibsOnly();
     void bibsAndTimesFromTheMenu();
+    void compactAndBack_data();
+    void compactAndBack();
 };
 
 static const QString clearTitle = QStringLiteral("Borrado de tiempos");
@@ -68,8 +71,11 @@ void OptionsTest::formatAtZero()
     f.dialogs.answers = {clearing};
     f.trigger(QStringLiteral("op2(%1)").arg(index));
     QCOMPARE(f.dialogs.shown.size(), listed ? 1 : 0);
-    if (listed)
+    if (listed) {
         QCOMPARE(f.dialogs.shown[0].title, clearTitle);
+        QCOMPARE(f.dialogs.shown[0].text,
+                 QStringLiteral("Cuidado si continua borrara todos los datos almacenados"));
+    }
 
     // The new format is in place whatever the clearing answered: the whole-seconds clock
     // also covers the place of the fraction.
@@ -199,6 +205,46 @@ void OptionsTest::bibsAndTimesFromTheMenu()
     // The mode is what the next save keeps.
     f.click("Command1(0)");
     QCOMPARE(f.readFile("MARVO.dat").split('\n').value(7), QByteArray(" 1 \r"));
+}
+
+void OptionsTest::compactAndBack_data()
+{
+    QTest::addColumn<int>("modo");
+    QTest::addColumn<bool>("running");
+    QTest::newRow("Lap") << 0 << false;
+    QTest::newRow("dorsales y tiempos") << 1 << false;
+    QTest::newRow("running") << 0 << true;
+}
+
+void OptionsTest::compactAndBack()
+{
+    QFETCH(int, modo);
+    QFETCH(bool, running);
+    FormFixture f;
+    const RaceState saved = running ? runningRace() : stoppedRace(2, modo);
+    f.writeFile("MARVO.dat", statefile::encode(saved));
+    FormMarvolendo& w = f.open();
+    f.tick(0);
+    // Running, the clock does not read zero: the restore inside each toggle re-applies the
+    // Lap mode, whose handler asks its format question.
+    f.dialogs.answers = {Dialogs::Ok, Dialogs::Ok};
+    f.trigger("opp4");
+    QCOMPARE(f.action("opp4")->text(), QStringLiteral("Maximizar"));
+    QCOMPARE(w.rect(), QRect(0, 0, look::px(4545), look::px(2050)));
+    QVERIFY(f.button("Command6")->isHidden());
+    QVERIFY(!f.action("opp2")->isEnabled() && !f.action("opp22")->isEnabled());
+    // The restore ran without a file: the results are gone from the window, not from the file.
+    QVERIFY(f.lines("List1").isEmpty() && f.comboLines().isEmpty());
+    QCOMPARE(f.readFile("MARVO.dat"), statefile::encode(saved));
+
+    f.trigger("opp4");
+    QCOMPARE(f.action("opp4")->text(), QStringLiteral("Minimizar"));
+    // The Lap window's width is left as the compact one's.
+    QCOMPARE(w.rect(), QRect(0, 0, look::px(modo == 1 ? 13440 : 4545), look::px(5115)));
+    QCOMPARE(f.button("Command6")->isHidden(), modo == 1);
+    QVERIFY(f.action("opp2")->isEnabled() != running && f.action("opp22")->isEnabled() != running);
+    QCOMPARE(f.lines("List2"), saved.list2);
+    QCOMPARE(f.dialogs.shown.size(), running ? 2 : 0);
 }
 
 QTEST_MAIN(OptionsTest)

@@ -1,161 +1,317 @@
+// The race clock in the real window: Start, Stop and resume, the stopped clock moved, finishes
+// stamped when they arrive; a start at a given time of day, a wall clock stepped mid-race, the
+// countdown beeps.
+#include "app/core/journal.h"
 #include "app/core/statefile.h"
 #include "support/formfixture.h"
+#include "support/races.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
+
+namespace
+{
+
+void startAt(FormFixture& f, const QString& typed)
+{
+    f.dialogs.texts = {typed};
+    f.trigger("salidaHora");
+}
+
+} // namespace
 
 class RunControlTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void startStopAndResumeFromTheWholeSecond();
-    void movingTheStoppedClock();
-    void timeOfDayCaption();
-    void survivesARestart();
-    void keepsCountingAcrossMidnight();
-    void functionKeysRecordWhileTheBibFieldHasTheFocus();
-    void finishIsStampedWhenItArrives();
+    void startStopAndResumeFromTheWholeSecond()
+    {
+        FormFixture f;
+        f.open();
+        f.click("Command1(0)");
+        QVERIFY(f.child<QTimer>("Timer1")->isActive());
+        QVERIFY(f.button("Command1(0)")->isHidden());
+        QVERIFY(!f.button("Command1(1)")->isHidden());
+        QVERIFY(f.button("Command3")->isEnabled());
+        QVERIFY(!f.action("op2(0)")->isEnabled());
+        // Start saves the running state.
+        QVERIFY(f.readFile("MARVO.dat").startsWith(" 36000000000 \r\n 0 \r\n10:00\r\n"));
+
+        f.tick(5.7);
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:05"));
+        QCOMPARE(f.label("Label6")->text(), QStringLiteral("700"));
+        QCOMPARE(f.label("Label3")->text(), QStringLiteral("700"));
+        QCOMPARE(f.child<QProgressBar>("ProgressBar1")->value(), 5);
+
+        f.click("Command1(1)");
+        QVERIFY(!f.child<QTimer>("Timer1")->isActive());
+        QVERIFY(!f.button("Command2(0)")->isHidden());
+        QVERIFY(!f.button("Command4")->isHidden());
+        QVERIFY(!f.button("Command3")->isEnabled());
+        QCOMPARE(f.child<QProgressBar>("ProgressBar1")->value(), 0);
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:05")); // keeps the last time
+        QVERIFY(f.action("op2(0)")->isEnabled());
+
+        // The run resumes from the displayed whole second: 5.7 s becomes 5 s.
+        f.clock.advance(100);
+        f.click("Command1(0)");
+        f.tick(1.0);
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:06"));
+        QCOMPARE(f.label("Label6")->text(), QStringLiteral("000"));
+    }
+
+    void movingTheStoppedClock()
+    {
+        FormFixture f;
+        f.open();
+        // "-" has no lower bound: the clock goes below zero.
+        f.click("Command2(1)");
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("-1:59:00"));
+        f.click("Command2(1)");
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("-1:58:00"));
+        for (int i = 0; i < 5; ++i)
+            f.click("Command2(0)");
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:03:00"));
+        // The next Start runs from the moved clock.
+        f.click("Command1(0)");
+        f.tick(2.5);
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:03:02"));
+    }
+
+    void functionKeysRecordWhileTheBibFieldHasTheFocus()
+    {
+        FormFixture f;
+        f.open();
+        f.click("Command1(0)");
+        f.tick(3);
+        auto* text1 = f.child<QLineEdit>("Text1");
+        text1->setVisible(true);
+        text1->setEnabled(true);
+        text1->setFocus();
+        text1->setText(QStringLiteral("12"));
+        f.pressF(1);
+        QCOMPARE(f.label("Label2")->text(), QStringLiteral("1"));
+        QCOMPARE(text1->text(), QString());
+        f.tick(1);
+        text1->setText(QStringLiteral("7"));
+        f.pressF(3);
+        QCOMPARE(f.label("Label2")->text(), QStringLiteral("2"));
+        QCOMPARE(text1->text(), QString());
+        QCOMPARE(f.lines("List1").size(), 2);
+    }
+
+    void finishIsStampedWhenItArrives()
+    {
+        FormFixture f;
+        f.open();
+        f.click("Command1(0)");
+        f.tick(1);
+        // No redraw since: the finish still reads the clock of its own moment.
+        f.clock.advance(0.123);
+        f.click("Command3");
+        QVERIFY(f.comboLines().value(0).contains(QStringLiteral("00:00:01:123")));
+    }
+
+    void pastStartIsStartPressedThen_data()
+    {
+        QTest::addColumn<double>("now");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<double>("startedAt");
+        QTest::addColumn<QString>("clock");
+        QTest::newRow("a minute and a half ago") << 36000.0 << "09:58:30" << 35910.0 << "00:01:30";
+        QTest::newRow("across midnight") << 600.0 << "23:50:00,000" << 85800.0 << "00:20:00";
+    }
+
+    void pastStartIsStartPressedThen()
+    {
+        QFETCH(double, now);
+        QFETCH(QString, typed);
+        QFETCH(double, startedAt);
+        QFETCH(QString, clock);
+        // The same race started by the button at that moment.
+        FormFixture pressed;
+        pressed.clock.seconds = startedAt;
+        pressed.open();
+        pressed.click("Command1(0)");
+
+        FormFixture f;
+        f.clock.seconds = now;
+        f.open();
+        startAt(f, typed);
+        f.tick(0);
+        QCOMPARE(f.label("Label1")->text(), clock);
+        QVERIFY(!f.button("Command1(1)")->isHidden());
+        QCOMPARE(f.readFile("MARVO.dat"), pressed.readFile("MARVO.dat"));
+        QCOMPARE(journal::read(f.path("MARVO.jrn")).record.state,
+                 journal::read(pressed.path("MARVO.jrn")).record.state);
+        QVERIFY(!f.dialogs.unexpected);
+    }
+
+    void armedStartStartsByItself()
+    {
+        FormFixture f;
+        f.open();
+        startAt(f, "10:00:02,500");
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:02"));
+        QCOMPARE(f.label("Label6")->text(), QStringLiteral("500"));
+        QVERIFY(f.readFile("MARVO.dat").isEmpty()); // nothing started yet
+        f.clock.advance(2.5);
+        QTRY_VERIFY(f.child<QTimer>("Timer1")->isActive());
+        FormFixture pressed;
+        pressed.clock.seconds = f.clock.seconds;
+        pressed.open();
+        pressed.click("Command1(0)");
+        QCOMPARE(f.readFile("MARVO.dat"), pressed.readFile("MARVO.dat"));
+        f.tick(1);
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:01"));
+    }
+
+    void armedStartCancelled()
+    {
+        FormFixture f;
+        f.open();
+        for (const char* how : {"Command1(1)", "salidaHora"}) {
+            startAt(f, f.clock.timeOfDay().addSecs(3600).toString(QStringLiteral("hh:mm:ss")));
+            QCOMPARE(f.label("Label1")->text(), QStringLiteral("01:00:00"));
+            QString(how).startsWith("Command") ? f.click(how) : f.trigger(how);
+            QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:00"));
+            QVERIFY(!f.button("Command1(0)")->isHidden());
+            f.clock.advance(3601);
+            QTest::qWait(30);
+            QVERIFY(!f.child<QTimer>("Timer1")->isActive());
+        }
+        QVERIFY(f.readFile("MARVO.dat").isEmpty());
+    }
+
+    void refusedStartTimesChangeNothing()
+    {
+        FormFixture f;
+        f.clock.seconds = 20 * 3600.0;
+        f.open();
+        for (const char* typed : {"25:00:00", "07:59:59"}) { // unreadable, over 12 hours ago
+            startAt(f, typed);
+            QCOMPARE(f.dialogs.shown.last().kind, QStringLiteral("warn"));
+        }
+        QVERIFY(f.dialogs.shown.last().text.contains(QStringLiteral("hace más de 12 horas")));
+        QVERIFY(f.readFile("MARVO.dat").isEmpty());
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:00"));
+        // And only at zero with the clock stopped: a notice, no question.
+        f.dialogs.shown.clear();
+        f.click("Command1(0)");
+        f.trigger("salidaHora");
+        QVERIFY(f.dialogs.shown.isEmpty());
+        QVERIFY(!f.label("aviso")->isHidden());
+    }
+
+    void wallClockStepsMoveNoFinish_data()
+    {
+        QTest::addColumn<double>("step");
+        QTest::newRow("+1 h") << 3600.0;
+        QTest::newRow("-1 h") << -3600.0;
+        QTest::newRow("+30 s") << 30.0;
+        QTest::newRow("-30 s") << -30.0;
+    }
+
+    void wallClockStepsMoveNoFinish()
+    {
+        QFETCH(double, step);
+        FormFixture f;
+        f.open();
+        f.click("Command1(0)");
+        f.tick(10);
+        f.clock.stepWall(step);
+        f.tick(2.5);
+        f.click("Command3");
+        QCOMPARE(f.comboLines().last(), QStringLiteral("   1- 00:00:12:500 - 0:00:00:000"));
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:12"));
+        // The time of day follows the wall clock.
+        f.form().Timer2_Timer();
+        QCOMPARE(f.action("hhora")->text(),
+                 QStringLiteral("Hora actual : ") +
+                     QTime(10, 0).addSecs(static_cast<int>(12 + step)).toString("hh:mm"));
+        // A restart anchors the race to the wall clock again: the step is in the saved start,
+        // and a start "later" than now was the day before.
+        f.close();
+        f.open();
+        f.tick(0);
+        QCOMPARE(f.label("Label1")->text(),
+                 QTime(0, 0)
+                     .addSecs(static_cast<int>(12 + step + (step < 0 ? 86400 : 0)))
+                     .toString(QStringLiteral("hh:mm:ss")));
+    }
+
+    void beeps_data()
+    {
+        QTest::addColumn<bool>("option");
+        QTest::addColumn<int>("row");     // the start-order line selected, -1 none
+        QTest::addColumn<double>("from"); // race seconds ticked through, 20 ms apart
+        QTest::addColumn<QString>("heard");
+        // The first start is at 0:10:30 race time.
+        QTest::newRow("last five seconds") << true << 0 << 620.0 << "s625 s626 s627 s628 s629 L630";
+        QTest::newRow("option off") << false << 0 << 620.0 << "";
+        QTest::newRow("no line selected") << true << -1 << 620.0 << "";
+    }
+
+    void beeps()
+    {
+        QFETCH(bool, option);
+        QFETCH(int, row);
+        QFETCH(double, from);
+        QFETCH(QString, heard);
+        FormFixture f;
+        RaceState s = stoppedRace(2, 1);
+        s.combo1.clear();
+        s.list1.clear();
+        f.writeFile("MARVO.dat", statefile::encode(s));
+        f.open();
+        if (f.action("pitidos")->isChecked() != option)
+            f.trigger("pitidos");
+        f.list("List2")->setCurrentRow(row);
+        f.click("Command1(0)");
+        const double started = f.clock.steady;
+        f.tick(from);
+        for (int i = 0; i < 600; ++i)
+            f.tick(0.02);
+        QStringList got;
+        for (const auto& [tone, at] : f.sound.played) {
+            const double second = at - started;
+            QVERIFY(second - std::floor(second) < 0.021); // within a tick of its second
+            got << (tone == Sound::Tone::Long ? QStringLiteral("L") : QStringLiteral("s")) +
+                       QString::number(std::floor(second));
+        }
+        QCOMPARE(got.join(u' '), heard);
+        // The option is kept for the next start of the program.
+        f.close();
+        f.open();
+        QCOMPARE(f.action("pitidos")->isChecked(), option);
+    }
+
+    void noSoundDeviceOneNotice()
+    {
+        FormFixture f;
+        f.sound.device = false;
+        f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 1)));
+        f.open();
+        f.list("List2")->setCurrentRow(0);
+        f.click("Command1(0)");
+        f.tick(624);
+        for (int i = 0; i < 400; ++i)
+            f.tick(0.02);
+        QLabel* notice = f.label("aviso");
+        QVERIFY(!notice->isHidden());
+        QVERIFY(notice->text().contains(QStringLiteral("sonido")));
+        notice->hide();
+        f.tick(600); // the next start's countdown
+        QVERIFY(notice->isHidden());
+        QVERIFY(f.dialogs.shown.isEmpty());
+    }
 };
-
-void RunControlTest::startStopAndResumeFromTheWholeSecond()
-{
-    FormFixture f;
-    f.open();
-    f.click("Command1(0)");
-    QVERIFY(f.child<QTimer>("Timer1")->isActive());
-    QVERIFY(f.button("Command1(0)")->isHidden());
-    QVERIFY(!f.button("Command1(1)")->isHidden());
-    QVERIFY(f.button("Command2(0)")->isHidden());
-    QVERIFY(f.button("Command4")->isHidden());
-    QVERIFY(f.button("Command3")->isEnabled());
-    QVERIFY(!f.action("op2(0)")->isEnabled());
-    QVERIFY(!f.action("opp2")->isEnabled());
-    // Start saves the running state.
-    QVERIFY(f.readFile("MARVO.dat").startsWith(" 36000000000 \r\n 0 \r\n10:00\r\n"));
-
-    f.tick(5.7);
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:05"));
-    QCOMPARE(f.label("Label6")->text(), QStringLiteral("700"));
-    QCOMPARE(f.label("Label3")->text(), QStringLiteral("700"));
-    QCOMPARE(f.child<QProgressBar>("ProgressBar1")->value(), 5);
-
-    f.click("Command1(1)");
-    QVERIFY(!f.child<QTimer>("Timer1")->isActive());
-    QVERIFY(!f.button("Command2(0)")->isHidden());
-    QVERIFY(!f.button("Command4")->isHidden());
-    QVERIFY(!f.button("Command3")->isEnabled());
-    QCOMPARE(f.child<QProgressBar>("ProgressBar1")->value(), 0);
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:05")); // keeps the last time
-    QVERIFY(f.action("op2(0)")->isEnabled());
-
-    // The run resumes from the displayed whole second: 5.7 s becomes 5 s.
-    f.clock.advance(100);
-    f.click("Command1(0)");
-    f.tick(1.0);
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:06"));
-    QCOMPARE(f.label("Label6")->text(), QStringLiteral("000"));
-}
-
-void RunControlTest::movingTheStoppedClock()
-{
-    FormFixture f;
-    f.open();
-    // "-" has no lower bound: the clock goes below zero.
-    f.click("Command2(1)");
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("-1:59:00"));
-    f.click("Command2(1)");
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("-1:58:00"));
-    for (int i = 0; i < 5; ++i)
-        f.click("Command2(0)");
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:03:00"));
-    // The next Start runs from the moved clock.
-    f.click("Command1(0)");
-    f.tick(2.5);
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:03:02"));
-}
-
-void RunControlTest::timeOfDayCaption()
-{
-    FormFixture f;
-    f.clock.seconds = 10 * 3600 + 59 * 60 + 59.5;
-    FormMarvolendo& w = f.open();
-    QAction* hora = f.action("hhora");
-    w.Timer2_Timer();
-    QCOMPARE(hora->text(), QStringLiteral("Hora actual : 10:59"));
-    f.clock.advance(0.6);
-    w.Timer2_Timer();
-    QCOMPARE(hora->text(), QStringLiteral("Hora actual : 11:00"));
-}
-
-void RunControlTest::survivesARestart()
-{
-    FormFixture f;
-    f.open();
-    f.click("Command1(0)");
-    f.tick(10);
-    f.close(); // a crash: nothing more is saved
-    f.clock.advance(65.25);
-    f.open();
-    QVERIFY(f.child<QTimer>("Timer1")->isActive());
-    f.tick(0);
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:01:15"));
-    QCOMPARE(f.label("Label6")->text(), QStringLiteral("250"));
-}
-
-void RunControlTest::keepsCountingAcrossMidnight()
-{
-    FormFixture f;
-    f.clock.seconds = 23 * 3600 + 59 * 60 + 30; // 23:59:30
-    f.open();
-    f.click("Command1(0)");
-    f.clock.advance(75); // 00:00:45 the next day
-    f.form().Timer1_Timer();
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:01:15"));
-    // Also after a restart past midnight.
-    f.close();
-    f.open();
-    f.form().Timer1_Timer();
-    QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:01:15"));
-}
-
-void RunControlTest::functionKeysRecordWhileTheBibFieldHasTheFocus()
-{
-    FormFixture f;
-    f.open();
-    f.click("Command1(0)");
-    f.tick(3);
-    auto* text1 = f.child<QLineEdit>("Text1");
-    text1->setVisible(true);
-    text1->setEnabled(true);
-    text1->setFocus();
-    text1->setText(QStringLiteral("12"));
-    f.pressF(1);
-    QCOMPARE(f.label("Label2")->text(), QStringLiteral("1"));
-    QCOMPARE(text1->text(), QString());
-    f.tick(1);
-    text1->setText(QStringLiteral("7"));
-    f.pressF(3);
-    QCOMPARE(f.label("Label2")->text(), QStringLiteral("2"));
-    QCOMPARE(text1->text(), QString());
-    QCOMPARE(f.lines("List1").size(), 2);
-}
-
-void RunControlTest::finishIsStampedWhenItArrives()
-{
-    FormFixture f;
-    f.open();
-    f.click("Command1(0)");
-    f.tick(1);
-    // No redraw since: the finish still reads the clock of its own moment.
-    f.clock.advance(0.123);
-    f.click("Command3");
-    QVERIFY(f.comboLines().value(0).contains(QStringLiteral("00:00:01:123")));
-}
 
 QTEST_MAIN(RunControlTest)
 #include "tst_runcontrol.moc"

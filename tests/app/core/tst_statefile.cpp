@@ -4,8 +4,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <unistd.h>
 
 class StateFileTest : public QObject
 {
@@ -21,6 +24,7 @@ private slots:
     void garbageCostsThatValueOnly();
     void garbageAndHugeFiles();
     void fallbackAndFailure();
+    void fullDiskKeepsThePreviousFile();
     void driveMapping();
 };
 
@@ -207,6 +211,34 @@ void StateFileTest::fallbackAndFailure()
     QVERIFY(r.primaryError.contains(QStringLiteral("no existe")));
     QVERIFY(!r.fallbackError.isEmpty());
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"MARVO.dat"}); // no leftovers
+}
+
+void StateFileTest::fullDiskKeepsThePreviousFile()
+{
+    if (::geteuid() != 0)
+        QSKIP("a full disk needs a tmpfs mount, which needs root");
+    QTemporaryDir dir;
+    const QString disk = dir.filePath(QStringLiteral("disk"));
+    QDir().mkpath(disk);
+    if (QProcess::execute(QStringLiteral("mount"),
+                          {QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
+                           QStringLiteral("size=128k"), QStringLiteral("tmpfs"), disk}) != 0)
+        QSKIP("mounting a small tmpfs is not allowed here");
+    const auto unmount = qScopeGuard([&] {
+        QProcess::execute(QStringLiteral("umount"), {QStringLiteral("-l"), disk});
+    });
+    RaceState small = sampleRace(), big = sampleRace();
+    big.list1 = QStringList(5000, big.list1[0]); // does not fit in 128 KiB
+    big.combo1 = QStringList(5000, big.combo1[0]);
+    const QString primary = disk + QStringLiteral("/MARVO.dat");
+    const QString fallback = dir.filePath(QStringLiteral("MARVO.dat"));
+    QCOMPARE(statefile::save(small, primary, fallback).outcome, statefile::SaveOutcome::Primary);
+    const statefile::SaveResult r = statefile::save(big, primary, fallback);
+    QCOMPARE(r.outcome, statefile::SaveOutcome::Fallback);
+    QVERIFY2(r.primaryError.contains(QStringLiteral("lleno")), qPrintable(r.primaryError));
+    QCOMPARE(readAll(primary), statefile::encode(small));
+    QCOMPARE(QDir(disk).entryList(QDir::Files), QStringList{"MARVO.dat"}); // no leftovers
+    QCOMPARE(readAll(fallback), statefile::encode(big));
 }
 
 void StateFileTest::driveMapping()
