@@ -68,7 +68,7 @@ public:
     int confirm(QWidget*, const QString& title, const QString& text) override
     {
         shown.append({QStringLiteral("confirm"), title, text});
-        return next(Cancel);
+        return next(answers, int(Cancel));
     }
     void warn(QWidget*, const QString& title, const QString& text) override
     {
@@ -77,51 +77,37 @@ public:
     int ask(QWidget*, const QString& title, const QString& text) override
     {
         shown.append({QStringLiteral("ask"), title, text});
-        return next(No);
+        return next(answers, int(No));
     }
     QString openFile(QWidget*, const FileRequest& request) override
     {
         lastRequest = request;
         shown.append({QStringLiteral("open"), request.title, request.proposedName});
-        if (files.isEmpty()) {
-            unexpected = true;
-            return {};
-        }
-        return files.takeFirst();
+        return next(files, QString());
     }
-
     QString askText(QWidget*, const QString& title, const QString& label) override
     {
         shown.append({QStringLiteral("text"), title, label});
-        if (texts.isEmpty()) {
-            unexpected = true;
-            return {};
-        }
-        return texts.takeFirst();
+        return next(texts, QString());
     }
-
     QStringList askFields(QWidget*, const QString& title, const QStringList& labels) override
     {
         shown.append({QStringLiteral("fields"), title, labels.join(u'|')});
-        if (fieldAnswers.isEmpty()) {
-            unexpected = true;
-            return {};
-        }
-        return fieldAnswers.takeFirst();
+        return next(fieldAnswers, QStringList());
     }
-
     void inform(QWidget*, const QString& title, const QString& text) override
     {
         shown.append({QStringLiteral("inform"), title, text});
     }
 
 private:
-    int next(int fallback)
+    // The next scripted answer; none left is a test fault, answered as a cancel.
+    template <typename T> T next(QList<T>& script, const T& cancel)
     {
-        if (answers.isEmpty()) {
+        if (script.isEmpty()) {
             unexpected = true;
-            return fallback;
+            return cancel;
         }
-        return answers.takeFirst();
+        return script.takeFirst();
     }
 };

@@ -2,13 +2,9 @@
 
 #include "base/cp1252.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QFile>
-#include <QLabel>
-#include <QListWidget>
-#include <QPushButton>
 #include <QSettings>
 #include <QStyleFactory>
 
@@ -63,31 +59,6 @@ FormMarvolendo& FormFixture::open()
     return *window;
 }
 
-void FormFixture::close()
-{
-    window.reset();
-}
-
-QPushButton* FormFixture::button(const QString& name) const
-{
-    return child<QPushButton>(name);
-}
-
-QLabel* FormFixture::label(const QString& name) const
-{
-    return child<QLabel>(name);
-}
-
-QAction* FormFixture::action(const QString& name) const
-{
-    return child<QAction>(name);
-}
-
-QListWidget* FormFixture::list(const QString& name) const
-{
-    return child<QListWidget>(name);
-}
-
 QStringList FormFixture::lines(const QString& listName) const
 {
     QStringList out;
@@ -104,16 +75,6 @@ QStringList FormFixture::comboLines() const
     for (int i = 0; i < combo->count(); ++i)
         out << combo->itemText(i);
     return out;
-}
-
-void FormFixture::click(const QString& buttonName)
-{
-    QTest::mouseClick(button(buttonName), Qt::LeftButton);
-}
-
-void FormFixture::trigger(const QString& actionName)
-{
-    action(actionName)->trigger();
 }
 
 void FormFixture::type(const QString& controlName, const QString& text)

@@ -5,17 +5,16 @@
 #include "app/formmarvolendo.h"
 #include "fakes.h"
 
+#include <QAction>
 #include <QByteArray>
 #include <QDir>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
-
-class QAction;
-class QLabel;
-class QListWidget;
-class QPushButton;
 
 class FormFixture
 {
@@ -32,7 +31,7 @@ public:
     QString makeResultsFolder() const;
 
     FormMarvolendo& open();
-    void close();
+    void close() { window.reset(); }
     FormMarvolendo& form() { return *window; }
 
     template <typename T> T* child(const QString& name) const
@@ -42,15 +41,15 @@ public:
             qFatal("no control named %s", qPrintable(name));
         return c;
     }
-    QPushButton* button(const QString& name) const;
-    QLabel* label(const QString& name) const;
-    QAction* action(const QString& name) const;
-    QListWidget* list(const QString& name) const;
+    QPushButton* button(const QString& name) const { return child<QPushButton>(name); }
+    QLabel* label(const QString& name) const { return child<QLabel>(name); }
+    QAction* action(const QString& name) const { return child<QAction>(name); }
+    QListWidget* list(const QString& name) const { return child<QListWidget>(name); }
     QStringList lines(const QString& listName) const;
     QStringList comboLines() const;
 
-    void click(const QString& buttonName);
-    void trigger(const QString& actionName);
+    void click(const QString& buttonName) { QTest::mouseClick(button(buttonName), Qt::LeftButton); }
+    void trigger(const QString& actionName) { action(actionName)->trigger(); }
     // Keys typed into a control; Enter included where the text ends with "\n".
     void type(const QString& controlName, const QString& text);
     void pressF(int number);
