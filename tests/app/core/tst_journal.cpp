@@ -4,18 +4,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-class JournalTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void replaysEveryKindOfEntry();
-    void cutAnywhereKeepsWhatPrecedes();
-    void damagedEntriesAndTheCleanMark();
-    void writerAppendsAndMarksClean();
-    void writerReportsAnUnwritablePath();
-};
-
 namespace
 {
 
@@ -48,127 +36,134 @@ RaceChange finish(int rank, bool lines = true)
 
 } // namespace
 
-void JournalTest::replaysEveryKindOfEntry()
+class JournalTest : public QObject
 {
-    QByteArray bytes = journal::encodeSnapshot(startRecord());
-    bytes += journal::encodeChange(finish(1));
-    bytes += journal::encodeChange(finish(2));
-    bytes += journal::encodeChange(finish(3, false)); // no format checked: rank only
-    bytes +=
-        journal::encodeChange(RaceChange::bib(1, QStringLiteral("   2-  57- 00:02:00 - 0:00:00")));
-    bytes +=
-        journal::encodeChange(RaceChange::bib(9, QStringLiteral("out of the list is ignored")));
-    // A finish inserted before the first and then removed again: the ranks go and come back.
-    bytes += journal::encodeChange(
-        RaceChange::insert(0, QStringLiteral("   1- x"), QStringLiteral("   1-   8- x")));
-    bytes += journal::encodeChange(RaceChange::remove(0));
-    bytes += journal::encodeChange(RaceChange::of(RaceChange::Kind::StartOrderEmptied));
-    bytes += journal::encodeChange(RaceChange::startOrder({QStringLiteral("a\tb"), QString()}));
-    const journal::Contents c = journal::decode(bytes);
-    QVERIFY(c.valid);
-    QVERIFY(!c.clean);
-    QCOMPARE(c.changes, 9);
-    const RaceState& s = c.record.state;
-    QCOMPARE(s.inicio, 36000.123456); // exact, unlike the state file's scaled integers
-    QCOMPARE(s.desfase, 1.0 / 60);
-    QCOMPARE(s.formato, Variant(0.0));
-    QVERIFY(!s.modoCaptura.has_value());
-    QCOMPARE(c.record.label2, QStringLiteral("3"));
-    QCOMPARE(s.list1,
-             (QStringList{"   1-   0- 00:01:00 - 0:00:00", "   2-  57- 00:02:00 - 0:00:00"}));
-    QCOMPARE(s.combo1.size(), 2);
-    QCOMPARE(s.label5, QStringLiteral("00:03:00"));
-    QCOMPARE(s.list2, (QStringList{"a\tb", ""}));
-    bytes += journal::encodeChange(RaceChange::of(RaceChange::Kind::ResultsEmptied));
-    QVERIFY(journal::decode(bytes).record.state.list1.isEmpty());
-    // A later snapshot replaces everything, and text with tabs, line ends and accents survives.
-    RaceRecord odd = startRecord();
-    odd.state.list1 = {QStringLiteral("a\tb\\c\r\nñ")};
-    odd.state.combo1 = {QString()};
-    bytes += journal::encodeSnapshot(odd);
-    const journal::Contents d = journal::decode(bytes);
-    QCOMPARE(d.record.state, odd.state);
-    QCOMPARE(d.changes, 11);
-}
+    Q_OBJECT
 
-void JournalTest::cutAnywhereKeepsWhatPrecedes()
-{
-    QList<QByteArray> entries{journal::encodeSnapshot(startRecord())};
-    for (int rank = 1; rank <= 4; ++rank)
-        entries << journal::encodeChange(finish(rank));
-    QByteArray all;
-    QList<qsizetype> ends;
-    for (const QByteArray& e : entries) {
-        all += e;
-        ends << all.size();
-    }
-    for (qsizetype cut = 0; cut <= all.size(); ++cut) {
-        const journal::Contents c = journal::decode(QByteArrayView(all).first(cut));
-        const qsizetype whole =
-            std::count_if(ends.begin(), ends.end(), [&](qsizetype e) { return e <= cut; });
-        QCOMPARE(c.valid, whole >= 1);
-        if (whole >= 1)
-            QCOMPARE(c.record.state.list1.size(), whole - 1);
-    }
-}
-
-void JournalTest::damagedEntriesAndTheCleanMark()
-{
-    const QByteArray start = journal::encodeSnapshot(startRecord());
-    QByteArray bad = journal::encodeChange(finish(1));
-    bad[5] = 'X';
-    // A damaged entry is passed over and the next one is read; so is a torn one (a full disk)
-    // followed, once there is room again, by a line end and a whole snapshot.
-    const journal::Contents afterBad =
-        journal::decode(start + bad + journal::encodeChange(finish(2)));
-    QCOMPARE(afterBad.changes, 1);
-    QCOMPARE(afterBad.record.label2, QStringLiteral("2"));
-    RaceRecord later = startRecord();
-    later.state.list1 = later.state.combo1 = {QStringLiteral("after the disk was freed")};
-    const QByteArray torn = journal::encodeChange(finish(1)).first(20);
-    QCOMPARE(journal::decode(start + torn + "\r\n" + journal::encodeSnapshot(later)).record.state,
-             later.state);
-    // A journal that does not begin with a snapshot holds nothing.
-    QVERIFY(!journal::decode(journal::encodeChange(finish(1))).valid);
-    QVERIFY(!journal::decode("garbage\r\n\x01\x02\r\n").valid);
-    // The clean mark counts only as the last entry.
-    QVERIFY(journal::decode(start + journal::encodeClean()).clean);
-    QVERIFY(
-        !journal::decode(start + journal::encodeClean() + journal::encodeChange(finish(1))).clean);
-}
-
-void JournalTest::writerAppendsAndMarksClean()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("MARVO.jrn"));
+private slots:
+    void replaysEveryKindOfEntry()
     {
-        Journal j;
-        QVERIFY(j.start(path, startRecord()));
-        QVERIFY(j.append(journal::encodeChange(finish(1))));
-        // Already in the file, before any sync or close: a killed program keeps it.
-        const journal::Contents c = journal::read(path);
-        QCOMPARE(c.record.state.list1.size(), 1);
+        QByteArray bytes = journal::encodeSnapshot(startRecord());
+        bytes += journal::encodeChange(finish(1));
+        bytes += journal::encodeChange(finish(2));
+        bytes += journal::encodeChange(finish(3, false)); // no format checked: rank only
+        bytes += journal::encodeChange(
+            RaceChange::bib(1, QStringLiteral("   2-  57- 00:02:00 - 0:00:00")));
+        bytes +=
+            journal::encodeChange(RaceChange::bib(9, QStringLiteral("out of the list is ignored")));
+        // A finish inserted before the first and then removed again: the ranks go and come back.
+        bytes += journal::encodeChange(
+            RaceChange::insert(0, QStringLiteral("   1- x"), QStringLiteral("   1-   8- x")));
+        bytes += journal::encodeChange(RaceChange::remove(0));
+        bytes += journal::encodeChange(RaceChange::of(RaceChange::Kind::StartOrderEmptied));
+        bytes += journal::encodeChange(RaceChange::startOrder({QStringLiteral("a\tb"), QString()}));
+        const journal::Contents c = journal::decode(bytes);
+        QVERIFY(c.valid);
         QVERIFY(!c.clean);
-        j.markClean();
-        QVERIFY(!j.isOpen());
-        QVERIFY(!j.append(journal::encodeChange(finish(2))));
+        QCOMPARE(c.changes, 9);
+        const RaceState& s = c.record.state;
+        QCOMPARE(s.inicio, 36000.123456); // exact, unlike the state file's scaled integers
+        QCOMPARE(s.desfase, 1.0 / 60);
+        QCOMPARE(s.formato, Variant(0.0));
+        QVERIFY(!s.modoCaptura.has_value());
+        QCOMPARE(c.record.label2, QStringLiteral("3"));
+        QCOMPARE(s.list1,
+                 (QStringList{"   1-   0- 00:01:00 - 0:00:00", "   2-  57- 00:02:00 - 0:00:00"}));
+        QCOMPARE(s.combo1.size(), 2);
+        QCOMPARE(s.label5, QStringLiteral("00:03:00"));
+        QCOMPARE(s.list2, (QStringList{"a\tb", ""}));
+        bytes += journal::encodeChange(RaceChange::of(RaceChange::Kind::ResultsEmptied));
+        QVERIFY(journal::decode(bytes).record.state.list1.isEmpty());
+        // A later snapshot replaces everything, and text with tabs, line ends and accents survives.
+        RaceRecord odd = startRecord();
+        odd.state.list1 = {QStringLiteral("a\tb\\c\r\nñ")};
+        odd.state.combo1 = {QString()};
+        bytes += journal::encodeSnapshot(odd);
+        const journal::Contents d = journal::decode(bytes);
+        QCOMPARE(d.record.state, odd.state);
+        QCOMPARE(d.changes, 11);
     }
-    QVERIFY(journal::read(path).clean);
-    // Starting again begins a new journal.
-    Journal again;
-    QVERIFY(again.start(path, startRecord()));
-    QCOMPARE(journal::read(path).changes, 0);
-}
 
-void JournalTest::writerReportsAnUnwritablePath()
-{
-    QTemporaryDir dir;
-    Journal j;
-    QVERIFY(!j.start(dir.filePath(QStringLiteral("missing/MARVO.jrn")), startRecord()));
-    QVERIFY(!j.error().isEmpty());
-    QVERIFY(!j.append("x"));
-    QVERIFY(!j.start(dir.path(), startRecord())); // a folder where the file should be
-}
+    void cutAnywhereKeepsWhatPrecedes()
+    {
+        QList<QByteArray> entries{journal::encodeSnapshot(startRecord())};
+        for (int rank = 1; rank <= 4; ++rank)
+            entries << journal::encodeChange(finish(rank));
+        QByteArray all;
+        QList<qsizetype> ends;
+        for (const QByteArray& e : entries) {
+            all += e;
+            ends << all.size();
+        }
+        for (qsizetype cut = 0; cut <= all.size(); ++cut) {
+            const journal::Contents c = journal::decode(QByteArrayView(all).first(cut));
+            const qsizetype whole =
+                std::count_if(ends.begin(), ends.end(), [&](qsizetype e) { return e <= cut; });
+            QCOMPARE(c.valid, whole >= 1);
+            if (whole >= 1)
+                QCOMPARE(c.record.state.list1.size(), whole - 1);
+        }
+    }
+
+    void damagedEntriesAndTheCleanMark()
+    {
+        const QByteArray start = journal::encodeSnapshot(startRecord());
+        QByteArray bad = journal::encodeChange(finish(1));
+        bad[5] = 'X';
+        // A damaged entry is passed over and the next one is read; so is a torn one (a full disk)
+        // followed, once there is room again, by a line end and a whole snapshot.
+        const journal::Contents afterBad =
+            journal::decode(start + bad + journal::encodeChange(finish(2)));
+        QCOMPARE(afterBad.changes, 1);
+        QCOMPARE(afterBad.record.label2, QStringLiteral("2"));
+        RaceRecord later = startRecord();
+        later.state.list1 = later.state.combo1 = {QStringLiteral("after the disk was freed")};
+        const QByteArray torn = journal::encodeChange(finish(1)).first(20);
+        QCOMPARE(
+            journal::decode(start + torn + "\r\n" + journal::encodeSnapshot(later)).record.state,
+            later.state);
+        // A journal that does not begin with a snapshot holds nothing.
+        QVERIFY(!journal::decode(journal::encodeChange(finish(1))).valid);
+        QVERIFY(!journal::decode("garbage\r\n\x01\x02\r\n").valid);
+        // The clean mark counts only as the last entry.
+        QVERIFY(journal::decode(start + journal::encodeClean()).clean);
+        QVERIFY(!journal::decode(start + journal::encodeClean() + journal::encodeChange(finish(1)))
+                     .clean);
+    }
+
+    void writerAppendsAndMarksClean()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("MARVO.jrn"));
+        {
+            Journal j;
+            QVERIFY(j.start(path, startRecord()));
+            QVERIFY(j.append(journal::encodeChange(finish(1))));
+            // Already in the file, before any sync or close: a killed program keeps it.
+            const journal::Contents c = journal::read(path);
+            QCOMPARE(c.record.state.list1.size(), 1);
+            QVERIFY(!c.clean);
+            j.markClean();
+            QVERIFY(!j.isOpen());
+            QVERIFY(!j.append(journal::encodeChange(finish(2))));
+        }
+        QVERIFY(journal::read(path).clean);
+        // Starting again begins a new journal.
+        Journal again;
+        QVERIFY(again.start(path, startRecord()));
+        QCOMPARE(journal::read(path).changes, 0);
+    }
+
+    void writerReportsAnUnwritablePath()
+    {
+        QTemporaryDir dir;
+        Journal j;
+        QVERIFY(!j.start(dir.filePath(QStringLiteral("missing/MARVO.jrn")), startRecord()));
+        QVERIFY(!j.error().isEmpty());
+        QVERIFY(!j.append("x"));
+        QVERIFY(!j.start(dir.path(), startRecord())); // a folder where the file should be
+    }
+};
 
 QTEST_APPLESS_MAIN(JournalTest)
 #include "tst_journal.moc"

@@ -3,16 +3,6 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-class RaceTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void removeAndInsertRenumber_data();
-    void removeAndInsertRenumber();
-    void changesThatDoNotFitAreRefused();
-};
-
 namespace
 {
 
@@ -30,69 +20,75 @@ RaceLines race(const QString& list1Tail, const QString& combo1Tail)
 
 } // namespace
 
-void RaceTest::removeAndInsertRenumber_data()
+class RaceTest : public QObject
 {
-    QTest::addColumn<QString>("list1Tail");
-    QTest::addColumn<QString>("combo1Tail");
-    QTest::newRow("Segundos") << "- 00:01:%1 - 0:00:05"
-                              << "- 00:01:%1 - 0:00:05";
-    QTest::newRow("Centesimas") << "- 00:01:%1:50 - 0:00:05:50"
-                                << "- 00:01:%1:50 - 0:00:05:50";
-    QTest::newRow("Milesimas") << "- 00:01:%1:500 - 0:00:05:500"
-                               << "- 00:01:%1:500 - 0:00:05:50";
-    QTest::newRow("bibs only") << ""
-                               << "-%1";
-}
+    Q_OBJECT
 
-void RaceTest::removeAndInsertRenumber()
-{
-    QFETCH(QString, list1Tail);
-    QFETCH(QString, combo1Tail);
-    const RaceLines original = race(list1Tail, combo1Tail);
-    Race r;
-    r.restore(original.combo1, original.list1, {});
-    QSignalSpy changed(&r, &Race::changed);
-
-    // The first finisher removed: every later line one rank up, in both lists, ranks 10 to 12
-    // included (their field loses a digit).
-    QVERIFY(r.apply(RaceChange::remove(0)));
-    QCOMPARE(r.list1().size(), 11);
-    for (int i = 0; i < 11; ++i) {
-        QCOMPARE(r.list1()[i], withRank(original.list1[i + 1], i + 1));
-        QCOMPARE(r.combo1()[i], withRank(original.combo1[i + 1], i + 1));
+private slots:
+    void removeAndInsertRenumber_data()
+    {
+        QTest::addColumn<QString>("list1Tail");
+        QTest::addColumn<QString>("combo1Tail");
+        QTest::newRow("Segundos") << "- 00:01:%1 - 0:00:05"
+                                  << "- 00:01:%1 - 0:00:05";
+        QTest::newRow("Centesimas") << "- 00:01:%1:50 - 0:00:05:50"
+                                    << "- 00:01:%1:50 - 0:00:05:50";
+        QTest::newRow("Milesimas") << "- 00:01:%1:500 - 0:00:05:500"
+                                   << "- 00:01:%1:500 - 0:00:05:50";
+        QTest::newRow("bibs only") << ""
+                                   << "-%1";
     }
-    QVERIFY(r.list1()[8].startsWith(QStringLiteral("   9- 110")));
-    // Put back where it was: the race as it stood, line for line.
-    QVERIFY(r.apply(RaceChange::insert(0, original.combo1[0], original.list1[0])));
-    QCOMPARE(r.list1(), original.list1);
-    QCOMPARE(r.combo1(), original.combo1);
-    // The last one removed renumbers nothing; inserting after the last appends.
-    QVERIFY(r.apply(RaceChange::remove(11)));
-    QCOMPARE(r.list1(), original.list1.first(11));
-    QVERIFY(r.apply(RaceChange::insert(11, original.combo1[11], original.list1[11])));
-    QCOMPARE(r.list1(), original.list1);
-    QCOMPARE(changed.size(), 4);
-    QCOMPARE(changed[0][0].value<RaceChange>().kind, RaceChange::Kind::Remove);
-}
 
-void RaceTest::changesThatDoNotFitAreRefused()
-{
-    Race r;
-    r.restore({QStringLiteral("   1- a")}, {QStringLiteral("   1-   7- a")}, {});
-    QSignalSpy changed(&r, &Race::changed);
-    for (const RaceChange& c :
-         {RaceChange::bib(1, QStringLiteral("x")), RaceChange::bib(-1, QStringLiteral("x")),
-          RaceChange::remove(1), RaceChange::insert(2, QString(), QString())})
-        QVERIFY(!r.apply(c));
-    QCOMPARE(changed.size(), 0);
-    QCOMPARE(r.list1(), QStringList{QStringLiteral("   1-   7- a")});
-    // The start order is appended to, and emptied apart from the results.
-    QVERIFY(r.apply(RaceChange::startOrder({QStringLiteral("s1"), QStringLiteral("s2")})));
-    QVERIFY(r.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied)));
-    QCOMPARE(r.list2().size(), 2);
-    QVERIFY(r.apply(RaceChange::of(RaceChange::Kind::StartOrderEmptied)));
-    QVERIFY(r.list2().isEmpty());
-}
+    void removeAndInsertRenumber()
+    {
+        QFETCH(QString, list1Tail);
+        QFETCH(QString, combo1Tail);
+        const RaceLines original = race(list1Tail, combo1Tail);
+        Race r;
+        r.restore(original.combo1, original.list1, {});
+        QSignalSpy changed(&r, &Race::changed);
+
+        // The first finisher removed: every later line one rank up, in both lists, ranks 10 to 12
+        // included (their field loses a digit).
+        QVERIFY(r.apply(RaceChange::remove(0)));
+        QCOMPARE(r.list1().size(), 11);
+        for (int i = 0; i < 11; ++i) {
+            QCOMPARE(r.list1()[i], withRank(original.list1[i + 1], i + 1));
+            QCOMPARE(r.combo1()[i], withRank(original.combo1[i + 1], i + 1));
+        }
+        QVERIFY(r.list1()[8].startsWith(QStringLiteral("   9- 110")));
+        // Put back where it was: the race as it stood, line for line.
+        QVERIFY(r.apply(RaceChange::insert(0, original.combo1[0], original.list1[0])));
+        QCOMPARE(r.list1(), original.list1);
+        QCOMPARE(r.combo1(), original.combo1);
+        // The last one removed renumbers nothing; inserting after the last appends.
+        QVERIFY(r.apply(RaceChange::remove(11)));
+        QCOMPARE(r.list1(), original.list1.first(11));
+        QVERIFY(r.apply(RaceChange::insert(11, original.combo1[11], original.list1[11])));
+        QCOMPARE(r.list1(), original.list1);
+        QCOMPARE(changed.size(), 4);
+        QCOMPARE(changed[0][0].value<RaceChange>().kind, RaceChange::Kind::Remove);
+    }
+
+    void changesThatDoNotFitAreRefused()
+    {
+        Race r;
+        r.restore({QStringLiteral("   1- a")}, {QStringLiteral("   1-   7- a")}, {});
+        QSignalSpy changed(&r, &Race::changed);
+        for (const RaceChange& c :
+             {RaceChange::bib(1, QStringLiteral("x")), RaceChange::bib(-1, QStringLiteral("x")),
+              RaceChange::remove(1), RaceChange::insert(2, QString(), QString())})
+            QVERIFY(!r.apply(c));
+        QCOMPARE(changed.size(), 0);
+        QCOMPARE(r.list1(), QStringList{QStringLiteral("   1-   7- a")});
+        // The start order is appended to, and emptied apart from the results.
+        QVERIFY(r.apply(RaceChange::startOrder({QStringLiteral("s1"), QStringLiteral("s2")})));
+        QVERIFY(r.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied)));
+        QCOMPARE(r.list2().size(), 2);
+        QVERIFY(r.apply(RaceChange::of(RaceChange::Kind::StartOrderEmptied)));
+        QVERIFY(r.list2().isEmpty());
+    }
+};
 
 QTEST_APPLESS_MAIN(RaceTest)
 #include "tst_race.moc"

@@ -3,22 +3,6 @@
 
 #include <QtTest>
 
-class TimeValueTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void tempsexaMil_data();
-    void tempsexaMil();
-    void decimalMil_data();
-    void decimalMil();
-    void roundTripKeepsThousandths();
-    void basicText_data();
-    void basicText();
-    void numberForms_data();
-    void numberForms();
-};
-
 namespace
 {
 double hours(double h, double m, double s)
@@ -27,116 +11,124 @@ double hours(double h, double m, double s)
 }
 } // namespace
 
-void TimeValueTest::tempsexaMil_data()
+class TimeValueTest : public QObject
 {
-    QTest::addColumn<double>("hours");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("zero") << 0.0 << "00:00:00:000";
-    QTest::newRow("hour and a half") << 1.5 << "01:30:00:000";
-    QTest::newRow("every field") << hours(12, 34, 56.789) << "12:34:56:789";
-    QTest::newRow("thousandths carry into the minute") << hours(0, 0, 59.9996) << "00:01:00:000";
-    QTest::newRow("carry through to the hour") << hours(0, 59, 59.9997) << "01:00:00:000";
-    QTest::newRow("half thousandth to even (down)") << hours(0, 0, 0.0005) << "00:00:00:000";
-    QTest::newRow("half thousandth to even (up)") << hours(0, 0, 0.0015) << "00:00:00:002";
-    QTest::newRow("half thousandth to even, 2.5") << hours(0, 0, 0.0025) << "00:00:00:002";
-    QTest::newRow("hundredths are not rounded away") << hours(0, 0, 1.239) << "00:00:01:239";
-    QTest::newRow("hours keep two digits") << 125.25 << "25:15:00:000";
-    QTest::newRow("one minute below zero") << -1.0 / 60 << "-1:59:00:000";
-    QTest::newRow("two minutes below zero") << -2.0 / 60 << "-1:58:00:000";
-    QTest::newRow("not a number reads as zero") << std::nan("") << "00:00:00:000";
-    QTest::newRow("absurdly large stays 12 characters") << 1e300 << "00:00:00:000";
-}
+    Q_OBJECT
 
-void TimeValueTest::tempsexaMil()
-{
-    QFETCH(double, hours);
-    QFETCH(QString, text);
-    const QString got = timevalue::tempsexaMil(hours);
-    if (std::isfinite(hours) && hours < 1e15)
-        QCOMPARE(got, text);
-    else
-        QCOMPARE(got.size(), 12);
-}
-
-void TimeValueTest::decimalMil_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("seconds");
-    QTest::newRow("full form") << "00:00:01:500" << 1.5;
-    QTest::newRow("whole seconds lose nothing") << "00:00:01" << 1.0;
-    QTest::newRow("hundredths are dropped") << "00:00:01:50" << 1.0;
-    QTest::newRow("every field") << "01:02:03:004" << 3723.004;
-    QTest::newRow("below zero") << "-1:59:00" << -60.0;
-    QTest::newRow("empty") << "" << 0.0;
-    QTest::newRow("garbage") << "ab:cd:ef:ghi" << 0.0;
-    QTest::newRow("short text reads the hour and its last digit twice")
-        << "5" << 5 * 3600.0 + 0.005;
-}
-
-void TimeValueTest::decimalMil()
-{
-    QFETCH(QString, text);
-    QFETCH(double, seconds);
-    QVERIFY(qAbs(timevalue::decimalMil(text) * 3600.0 - seconds) < 1e-9);
-}
-
-void TimeValueTest::roundTripKeepsThousandths()
-{
-    // Every thousandth of a long race reads back to the same text.
-    for (int ms = 0; ms < 5 * 3600 * 1000; ms += 7919) {
-        const QString text = timevalue::tempsexaMil(ms / 3600000.0);
-        QCOMPARE(timevalue::tempsexaMil(timevalue::decimalMil(text)), text);
+private slots:
+    void tempsexaMil_data()
+    {
+        QTest::addColumn<double>("hours");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("zero") << 0.0 << "00:00:00:000";
+        QTest::newRow("hour and a half") << 1.5 << "01:30:00:000";
+        QTest::newRow("every field") << hours(12, 34, 56.789) << "12:34:56:789";
+        QTest::newRow("thousandths carry into the minute")
+            << hours(0, 0, 59.9996) << "00:01:00:000";
+        QTest::newRow("carry through to the hour") << hours(0, 59, 59.9997) << "01:00:00:000";
+        QTest::newRow("half thousandth to even (down)") << hours(0, 0, 0.0005) << "00:00:00:000";
+        QTest::newRow("half thousandth to even (up)") << hours(0, 0, 0.0015) << "00:00:00:002";
+        QTest::newRow("half thousandth to even, 2.5") << hours(0, 0, 0.0025) << "00:00:00:002";
+        QTest::newRow("hundredths are not rounded away") << hours(0, 0, 1.239) << "00:00:01:239";
+        QTest::newRow("hours keep two digits") << 125.25 << "25:15:00:000";
+        QTest::newRow("one minute below zero") << -1.0 / 60 << "-1:59:00:000";
+        QTest::newRow("two minutes below zero") << -2.0 / 60 << "-1:58:00:000";
+        QTest::newRow("not a number reads as zero") << std::nan("") << "00:00:00:000";
+        QTest::newRow("absurdly large stays 12 characters") << 1e300 << "00:00:00:000";
     }
-}
 
-void TimeValueTest::basicText_data()
-{
-    QTest::addColumn<QString>("expression");
-    QTest::addColumn<QString>("result");
-    QTest::newRow("val leading number") << basic::digits(basic::val(u"12abc")) << "12";
-    QTest::newRow("val ignores blanks inside") << basic::digits(basic::val(u" 1 2")) << "12";
-    QTest::newRow("val no number") << basic::digits(basic::val(u"abc")) << "0";
-    QTest::newRow("val sign and point") << basic::digits(basic::val(u"-1.5x")) << "-1.5";
-    QTest::newRow("val exponent") << basic::digits(basic::val(u"1E3")) << "1000";
-    QTest::newRow("val hexadecimal") << basic::digits(basic::val(u"&H1F")) << "31";
-    QTest::newRow("str keeps its blank") << basic::str(7) << " 7";
-    QTest::newRow("str of a negative") << basic::str(-7) << "-7";
-    QTest::newRow("str without leading zero") << basic::str(0.5) << " .5";
-    QTest::newRow("mid past the end") << basic::mid(u"abc", 5, 2) << "";
-    QTest::newRow("left longer than the text") << basic::left(u"ab", 5) << "ab";
-    QTest::newRow("right longer than the text") << basic::right(u"ab", 5) << "ab";
-    QTest::newRow("four places") << basic::rightAlign4(u"7") << "   7";
-    QTest::newRow("four places keep the last four") << basic::rightAlign4(u"12345") << "2345";
-    QTest::newRow("fit pads") << basic::fitFixed(u"0", 5) << "0    ";
-    QTest::newRow("fit cuts") << basic::fitFixed(u"10:30:45", 5) << "10:30";
-}
+    void tempsexaMil()
+    {
+        QFETCH(double, hours);
+        QFETCH(QString, text);
+        const QString got = timevalue::tempsexaMil(hours);
+        if (std::isfinite(hours) && hours < 1e15)
+            QCOMPARE(got, text);
+        else
+            QCOMPARE(got.size(), 12);
+    }
 
-void TimeValueTest::basicText()
-{
-    QFETCH(QString, expression);
-    QFETCH(QString, result);
-    QCOMPARE(expression, result);
-}
+    void decimalMil_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("seconds");
+        QTest::newRow("full form") << "00:00:01:500" << 1.5;
+        QTest::newRow("whole seconds lose nothing") << "00:00:01" << 1.0;
+        QTest::newRow("hundredths are dropped") << "00:00:01:50" << 1.0;
+        QTest::newRow("every field") << "01:02:03:004" << 3723.004;
+        QTest::newRow("below zero") << "-1:59:00" << -60.0;
+        QTest::newRow("empty") << "" << 0.0;
+        QTest::newRow("garbage") << "ab:cd:ef:ghi" << 0.0;
+        QTest::newRow("short text reads the hour and its last digit twice")
+            << "5" << 5 * 3600.0 + 0.005;
+    }
 
-void TimeValueTest::numberForms_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("microseconds of noon and a half") << 43200500000.0 << "43200500000";
-    QTest::newRow("fifteen digits") << 999999999999999.0 << "999999999999999";
-    QTest::newRow("exponent from 1E15") << 1e15 << "1E+15";
-    QTest::newRow("a day in picohours") << 8.64e16 << "8.64E+16";
-    QTest::newRow("sixteen digits lose the last") << 1234567890123456.0 << "1.23456789012346E+15";
-    QTest::newRow("negative") << -16666666666.0 << "-16666666666";
-    QTest::newRow("zero") << 0.0 << "0";
-}
+    void decimalMil()
+    {
+        QFETCH(QString, text);
+        QFETCH(double, seconds);
+        QVERIFY(qAbs(timevalue::decimalMil(text) * 3600.0 - seconds) < 1e-9);
+    }
 
-void TimeValueTest::numberForms()
-{
-    QFETCH(double, value);
-    QFETCH(QString, text);
-    QCOMPARE(basic::digits(value), text);
-}
+    void roundTripKeepsThousandths()
+    {
+        // Every thousandth of a long race reads back to the same text.
+        for (int ms = 0; ms < 5 * 3600 * 1000; ms += 7919) {
+            const QString text = timevalue::tempsexaMil(ms / 3600000.0);
+            QCOMPARE(timevalue::tempsexaMil(timevalue::decimalMil(text)), text);
+        }
+    }
+
+    void basicText_data()
+    {
+        QTest::addColumn<QString>("expression");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("val leading number") << basic::digits(basic::val(u"12abc")) << "12";
+        QTest::newRow("val ignores blanks inside") << basic::digits(basic::val(u" 1 2")) << "12";
+        QTest::newRow("val no number") << basic::digits(basic::val(u"abc")) << "0";
+        QTest::newRow("val sign and point") << basic::digits(basic::val(u"-1.5x")) << "-1.5";
+        QTest::newRow("val exponent") << basic::digits(basic::val(u"1E3")) << "1000";
+        QTest::newRow("val hexadecimal") << basic::digits(basic::val(u"&H1F")) << "31";
+        QTest::newRow("str keeps its blank") << basic::str(7) << " 7";
+        QTest::newRow("str of a negative") << basic::str(-7) << "-7";
+        QTest::newRow("str without leading zero") << basic::str(0.5) << " .5";
+        QTest::newRow("mid past the end") << basic::mid(u"abc", 5, 2) << "";
+        QTest::newRow("left longer than the text") << basic::left(u"ab", 5) << "ab";
+        QTest::newRow("right longer than the text") << basic::right(u"ab", 5) << "ab";
+        QTest::newRow("four places") << basic::rightAlign4(u"7") << "   7";
+        QTest::newRow("four places keep the last four") << basic::rightAlign4(u"12345") << "2345";
+        QTest::newRow("fit pads") << basic::fitFixed(u"0", 5) << "0    ";
+        QTest::newRow("fit cuts") << basic::fitFixed(u"10:30:45", 5) << "10:30";
+    }
+
+    void basicText()
+    {
+        QFETCH(QString, expression);
+        QFETCH(QString, result);
+        QCOMPARE(expression, result);
+    }
+
+    void numberForms_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("microseconds of noon and a half") << 43200500000.0 << "43200500000";
+        QTest::newRow("fifteen digits") << 999999999999999.0 << "999999999999999";
+        QTest::newRow("exponent from 1E15") << 1e15 << "1E+15";
+        QTest::newRow("a day in picohours") << 8.64e16 << "8.64E+16";
+        QTest::newRow("sixteen digits lose the last")
+            << 1234567890123456.0 << "1.23456789012346E+15";
+        QTest::newRow("negative") << -16666666666.0 << "-16666666666";
+        QTest::newRow("zero") << 0.0 << "0";
+    }
+
+    void numberForms()
+    {
+        QFETCH(double, value);
+        QFETCH(QString, text);
+        QCOMPARE(basic::digits(value), text);
+    }
+};
 
 QTEST_APPLESS_MAIN(TimeValueTest)
 #include "tst_timevalue.moc"

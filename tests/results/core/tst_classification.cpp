@@ -6,17 +6,6 @@
 #include <QXmlStreamReader>
 #include <QtTest>
 
-class ClassificationTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void rules_data();
-    void rules();
-    void spreadsheet();
-    void webPage();
-};
-
 namespace
 {
 
@@ -65,97 +54,110 @@ QString describe(const classification::Results& r)
 
 } // namespace
 
-void ClassificationTest::rules_data()
+class ClassificationTest : public QObject
 {
-    QTest::addColumn<QList<entrants::Entrant>>("entered");
-    QTest::addColumn<QStringList>("list2");
-    QTest::addColumn<QString>("expected");
+    Q_OBJECT
 
-    QTest::newRow("no entrants: by finish time, bib 0 unidentified, a repeat counts first")
-        << QList<entrants::Entrant>{} << QStringList{}
-        << "R5 p1 t600000 g0 c0 cg- | R9 p2 t602500 g2500 c0 cg- | R77 p3 t604000 g4000 c0 cg- "
-           "| R2 p4 t605250 g5250 c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
-    QTest::newRow("entrants with categories: a bib nobody has is unidentified")
-        << QList<entrants::Entrant>{entrant(5, "M"), entrant(9, "F"), entrant(2, "M")}
-        << QStringList{}
-        << "R5 p1 t600000 g0 c1 cg0 | R9 p2 t602500 g2500 c1 cg0 | R2 p3 t605250 g5250 c2 "
-           "cg5250 | U0 p0 t- g- c0 cg- | U77 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
-    QTest::newRow("time trial from the entrants: riding time ranks, no start kept apart")
-        << QList<entrants::Entrant>{entrant(5, "M", 60000), entrant(9, "M", 120000),
-                                    entrant(2, "M", 0), entrant(77, "M")}
-        << QStringList{}
-        << "R9 p1 t482500 g0 c1 cg0 | R5 p2 t540000 g57500 c2 cg57500 | R2 p3 t605250 "
-           "g122750 c3 cg122750 | S77 p0 t- g- c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
-    QTest::newRow("time trial from the start order; the entrant's own start goes first")
-        << QList<entrants::Entrant>{entrant(5, {}), entrant(9, {}), entrant(2, {}, 300000),
-                                    entrant(77, {})}
-        << QStringList{QStringLiteral("   1-   5 - 0:01:00"), QStringLiteral("   2-   9 - 0:09:00"),
-                       QStringLiteral("   3-   2 - 0:02:00"), QStringLiteral("   4-  77 -        ")}
-        << "R9 p1 t62500 g0 c0 cg- | R2 p2 t305250 g242750 c0 cg- | R5 p3 t540000 g477500 c0 "
-           "cg- | S77 p0 t- g- c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
-}
+private slots:
+    void rules_data()
+    {
+        QTest::addColumn<QList<entrants::Entrant>>("entered");
+        QTest::addColumn<QStringList>("list2");
+        QTest::addColumn<QString>("expected");
 
-void ClassificationTest::rules()
-{
-    QFETCH(QList<entrants::Entrant>, entered);
-    QFETCH(QStringList, list2);
-    QFETCH(QString, expected);
-    QCOMPARE(describe(classification::classify(race, entered, list2)), expected);
-}
-
-void ClassificationTest::spreadsheet()
-{
-    entrants::Entrant a = entrant(5, QStringLiteral("Élite"));
-    a.apellidos = QStringLiteral("Gil; \"Peque\"");
-    a.club = QStringLiteral("C.D.");
-    const QList<entrants::Entrant> entered{a, entrant(9, QStringLiteral("Élite"))};
-    const QStringList lines{line(1, 5, "01:02:03:450"), line(2, 9, "01:02:04:000"),
-                            line(3, 0, "01:02:05:000")};
-    const QByteArray csv =
-        resultsreport::csv(classification::classify(lines, entered, {}), entered, 2);
-    QCOMPARE(csv, QByteArray("\xEF\xBB\xBF"
-                             "Puesto;Dorsal;Nombre;Apellidos;Club;Categoría;Sexo;Puesto "
-                             "categoría;Llegada;Tiempo;Diferencia;Observaciones\r\n"
-                             "1;5;N5;\"Gil; \"\"Peque\"\"\";C.D.;Élite;;1;1:02:03,45;1:02:03,45;;"
-                             "\r\n"
-                             "2;9;N9;;;Élite;;2;1:02:04,00;1:02:04,00;+0:00:00,55;\r\n"
-                             ";0;;;;;;;1:02:05,00;;;Sin identificar\r\n"));
-}
-
-void ClassificationTest::webPage()
-{
-    entrants::Entrant a = entrant(5, QStringLiteral("F"));
-    a.nombre = QStringLiteral("<Ana & Eva>");
-    const QList<entrants::Entrant> entered{a, entrant(9, QStringLiteral("M"))};
-    const classification::Results results = classification::classify(race, entered, QStringList{});
-    const resultsreport::Report report = resultsreport::report(
-        results, entered, 3, QStringLiteral("Trail «A&B»"), QDate(2026, 11, 23));
-    const QByteArray page = resultsreport::html(report);
-    QVERIFY(page.startsWith("<!DOCTYPE html>"));
-    QVERIFY(page.contains("width=device-width"));
-    QVERIFY(page.contains("overflow-x:auto"));
-
-    // Read back as XML: every element closed, every text escaped.
-    QXmlStreamReader xml(page);
-    QStringList headings, cells;
-    while (!xml.atEnd()) {
-        if (xml.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        if (xml.name() == u"h1" || xml.name() == u"h2")
-            headings << xml.readElementText();
-        else if (xml.name() == u"td")
-            cells << xml.readElementText();
+        QTest::newRow("no entrants: by finish time, bib 0 unidentified, a repeat counts first")
+            << QList<entrants::Entrant>{} << QStringList{}
+            << "R5 p1 t600000 g0 c0 cg- | R9 p2 t602500 g2500 c0 cg- | R77 p3 t604000 g4000 c0 cg- "
+               "| R2 p4 t605250 g5250 c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
+        QTest::newRow("entrants with categories: a bib nobody has is unidentified")
+            << QList<entrants::Entrant>{entrant(5, "M"), entrant(9, "F"), entrant(2, "M")}
+            << QStringList{}
+            << "R5 p1 t600000 g0 c1 cg0 | R9 p2 t602500 g2500 c1 cg0 | R2 p3 t605250 g5250 c2 "
+               "cg5250 | U0 p0 t- g- c0 cg- | U77 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
+        QTest::newRow("time trial from the entrants: riding time ranks, no start kept apart")
+            << QList<entrants::Entrant>{entrant(5, "M", 60000), entrant(9, "M", 120000),
+                                        entrant(2, "M", 0), entrant(77, "M")}
+            << QStringList{}
+            << "R9 p1 t482500 g0 c1 cg0 | R5 p2 t540000 g57500 c2 cg57500 | R2 p3 t605250 "
+               "g122750 c3 cg122750 | S77 p0 t- g- c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 "
+               "cg-";
+        QTest::newRow("time trial from the start order; the entrant's own start goes first")
+            << QList<entrants::Entrant>{entrant(5, {}), entrant(9, {}), entrant(2, {}, 300000),
+                                        entrant(77, {})}
+            << QStringList{QStringLiteral("   1-   5 - 0:01:00"),
+                           QStringLiteral("   2-   9 - 0:09:00"),
+                           QStringLiteral("   3-   2 - 0:02:00"),
+                           QStringLiteral("   4-  77 -        ")}
+            << "R9 p1 t62500 g0 c0 cg- | R2 p2 t305250 g242750 c0 cg- | R5 p3 t540000 g477500 c0 "
+               "cg- | S77 p0 t- g- c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
     }
-    QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
-    QCOMPARE(headings, (QStringList{"Trail «A&B»", "Clasificación general", "Categoría F",
-                                    "Categoría M", "Sin identificar", "Repetidos"}));
-    // The general classification's first row, then the category tables' rows.
-    QCOMPARE(cells.mid(0, 7), (QStringList{"1", "5", "<Ana & Eva>", "", "F", "0:10:00,000", ""}));
-    QCOMPARE(cells.mid(14, 7), (QStringList{"1", "5", "<Ana & Eva>", "", "F", "0:10:00,000", ""}));
-    QCOMPARE(cells.mid(21, 7), (QStringList{"1", "9", "N9", "", "M", "0:10:02,500", ""}));
-    // The unidentified: arrival number, bib, the entrant's columns blank, the finish time.
-    QCOMPARE(cells.mid(28, 6), (QStringList{"2", "0", "", "", "", "0:10:01,000"}));
-}
+
+    void rules()
+    {
+        QFETCH(QList<entrants::Entrant>, entered);
+        QFETCH(QStringList, list2);
+        QFETCH(QString, expected);
+        QCOMPARE(describe(classification::classify(race, entered, list2)), expected);
+    }
+
+    void spreadsheet()
+    {
+        entrants::Entrant a = entrant(5, QStringLiteral("Élite"));
+        a.apellidos = QStringLiteral("Gil; \"Peque\"");
+        a.club = QStringLiteral("C.D.");
+        const QList<entrants::Entrant> entered{a, entrant(9, QStringLiteral("Élite"))};
+        const QStringList lines{line(1, 5, "01:02:03:450"), line(2, 9, "01:02:04:000"),
+                                line(3, 0, "01:02:05:000")};
+        const QByteArray csv =
+            resultsreport::csv(classification::classify(lines, entered, {}), entered, 2);
+        QCOMPARE(csv,
+                 QByteArray("\xEF\xBB\xBF"
+                            "Puesto;Dorsal;Nombre;Apellidos;Club;Categoría;Sexo;Puesto "
+                            "categoría;Llegada;Tiempo;Diferencia;Observaciones\r\n"
+                            "1;5;N5;\"Gil; \"\"Peque\"\"\";C.D.;Élite;;1;1:02:03,45;1:02:03,45;;"
+                            "\r\n"
+                            "2;9;N9;;;Élite;;2;1:02:04,00;1:02:04,00;+0:00:00,55;\r\n"
+                            ";0;;;;;;;1:02:05,00;;;Sin identificar\r\n"));
+    }
+
+    void webPage()
+    {
+        entrants::Entrant a = entrant(5, QStringLiteral("F"));
+        a.nombre = QStringLiteral("<Ana & Eva>");
+        const QList<entrants::Entrant> entered{a, entrant(9, QStringLiteral("M"))};
+        const classification::Results results =
+            classification::classify(race, entered, QStringList{});
+        const resultsreport::Report report = resultsreport::report(
+            results, entered, 3, QStringLiteral("Trail «A&B»"), QDate(2026, 11, 23));
+        const QByteArray page = resultsreport::html(report);
+        QVERIFY(page.startsWith("<!DOCTYPE html>"));
+        QVERIFY(page.contains("width=device-width"));
+        QVERIFY(page.contains("overflow-x:auto"));
+
+        // Read back as XML: every element closed, every text escaped.
+        QXmlStreamReader xml(page);
+        QStringList headings, cells;
+        while (!xml.atEnd()) {
+            if (xml.readNext() != QXmlStreamReader::StartElement)
+                continue;
+            if (xml.name() == u"h1" || xml.name() == u"h2")
+                headings << xml.readElementText();
+            else if (xml.name() == u"td")
+                cells << xml.readElementText();
+        }
+        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+        QCOMPARE(headings, (QStringList{"Trail «A&B»", "Clasificación general", "Categoría F",
+                                        "Categoría M", "Sin identificar", "Repetidos"}));
+        // The general classification's first row, then the category tables' rows.
+        QCOMPARE(cells.mid(0, 7),
+                 (QStringList{"1", "5", "<Ana & Eva>", "", "F", "0:10:00,000", ""}));
+        QCOMPARE(cells.mid(14, 7),
+                 (QStringList{"1", "5", "<Ana & Eva>", "", "F", "0:10:00,000", ""}));
+        QCOMPARE(cells.mid(21, 7), (QStringList{"1", "9", "N9", "", "M", "0:10:02,500", ""}));
+        // The unidentified: arrival number, bib, the entrant's columns blank, the finish time.
+        QCOMPARE(cells.mid(28, 6), (QStringList{"2", "0", "", "", "", "0:10:01,000"}));
+    }
+};
 
 QTEST_APPLESS_MAIN(ClassificationTest)
 #include "tst_classification.moc"

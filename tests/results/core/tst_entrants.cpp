@@ -9,116 +9,112 @@ class EntrantsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void reading_data();
-    void reading();
-    void refusals();
-    void skippedMessage();
+    void reading_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("loaded");  // bib:name:club:category:start(ms), one per entrant
+        QTest::addColumn<QString>("skipped"); // file lines
+        QTest::addColumn<QString>("badStarts");
+
+        QTest::newRow("semicolons, UTF-8 with mark, accents in the headers")
+            << QByteArray("\xEF\xBB\xBF"
+                          "DORSAL;Nombre;Apellidos;Categoría;Salida\r\n"
+                          "7;Ana;Núñez;Élite;0:01:30\r\n"
+                          "12;Luis;Pérez;;\r\n")
+            << "7:Ana Núñez::Élite:90000|12:Luis Pérez:::"
+            << ""
+            << "";
+        QTest::newRow("commas, Windows-1252, extra columns ignored")
+            << QByteArray("Licencia,Dorsal,Club,Nombre\n"
+                          "X1,3,C.D. Ca\xF1"
+                          "ada,Mar\xED"
+                          "a\n")
+            << "3:María:C.D. Cañada::"
+            << ""
+            << "";
+        QTest::newRow("tabs, quoted separators, doubled quotes and a line break")
+            << QByteArray("dorsal\tnombre\tclub\n"
+                          "1\t\"Eva \"\"la Rápida\"\"\"\t\"Club\tuno\"\n"
+                          "2\t\"Dos\nlíneas\"\tx\n"
+                          "oops\tz\tz\n")
+            << "1:Eva \"la Rápida\":Club\tuno::|2:Dos\nlíneas:x::"
+            << "5"
+            << "";
+        QTest::newRow("bad bibs: missing, not a number, zero, too large, repeated; blank lines")
+            << QByteArray("dorsal;nombre\n"
+                          ";a\n"
+                          "12a;b\n"
+                          "\n"
+                          "0;c\n"
+                          "10000;d\n"
+                          " 8 ;e\n"
+                          "8;f\n"
+                          "-3;g\n")
+            << "8:e:::"
+            << "2,3,5,6,8,9"
+            << "";
+        QTest::newRow("start times: h:mm:ss, mm:ss, a fraction; unreadable ones kept without")
+            << QByteArray("dorsal;salida\n"
+                          "1;1:00:00\n"
+                          "2;02:30\n"
+                          "3;0:00:10,5\n"
+                          "4;10h\n"
+                          "5;0:61:00\n")
+            << "1::::3600000|2::::150000|3::::10500|4::::|5::::"
+            << ""
+            << "5,6";
+    }
+
+    void reading()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, loaded);
+        QFETCH(QString, skipped);
+        QFETCH(QString, badStarts);
+
+        const entrants::Loaded got = entrants::read(bytes);
+        QVERIFY2(got.refusal.isEmpty(), qPrintable(got.refusal));
+        QStringList entries;
+        for (const entrants::Entrant& e : got.entrants)
+            entries << QStringLiteral("%1:%2:%3:%4:%5")
+                           .arg(e.bib)
+                           .arg(e.fullName(), e.club, e.categoria,
+                                e.salidaMs ? QString::number(*e.salidaMs) : QString());
+        QCOMPARE(entries.join(u'|'), loaded);
+        const auto join = [](const QList<int>& lines) {
+            QStringList l;
+            for (const int n : lines)
+                l << QString::number(n);
+            return l.join(u',');
+        };
+        QCOMPARE(join(got.skippedLines), skipped);
+        QCOMPARE(join(got.badStartLines), badStarts);
+    }
+
+    void refusals()
+    {
+        QVERIFY(!entrants::read("nombre;club\nAna;X\n").refusal.isEmpty());
+        QVERIFY(!entrants::read("").refusal.isEmpty());
+        QByteArray huge("dorsal\n");
+        huge.append(entrants::maxFileBytes, '1');
+        const entrants::Loaded tooLarge = entrants::read(huge);
+        QVERIFY(tooLarge.refusal.contains(QStringLiteral("20 MB")));
+        QVERIFY(tooLarge.entrants.isEmpty());
+    }
+
+    void skippedMessage()
+    {
+        entrants::Loaded loaded;
+        for (int line = 2; line < 27; ++line)
+            loaded.skippedLines << line;
+        const QString message = entrants::skippedMessage(loaded);
+        QVERIFY2(
+            message.contains(QStringLiteral("(líneas 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, "
+                                            "15, 16, 17, 18, 19, 20, 21 y 5 más)")),
+            qPrintable(message));
+        QVERIFY(entrants::skippedMessage({}).isEmpty());
+    }
 };
-
-void EntrantsTest::reading_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("loaded");  // bib:name:club:category:start(ms), one per entrant
-    QTest::addColumn<QString>("skipped"); // file lines
-    QTest::addColumn<QString>("badStarts");
-
-    QTest::newRow("semicolons, UTF-8 with mark, accents in the headers")
-        << QByteArray("\xEF\xBB\xBF"
-                      "DORSAL;Nombre;Apellidos;Categoría;Salida\r\n"
-                      "7;Ana;Núñez;Élite;0:01:30\r\n"
-                      "12;Luis;Pérez;;\r\n")
-        << "7:Ana Núñez::Élite:90000|12:Luis Pérez:::"
-        << ""
-        << "";
-    QTest::newRow("commas, Windows-1252, extra columns ignored")
-        << QByteArray("Licencia,Dorsal,Club,Nombre\n"
-                      "X1,3,C.D. Ca\xF1"
-                      "ada,Mar\xED"
-                      "a\n")
-        << "3:María:C.D. Cañada::"
-        << ""
-        << "";
-    QTest::newRow("tabs, quoted separators, doubled quotes and a line break")
-        << QByteArray("dorsal\tnombre\tclub\n"
-                      "1\t\"Eva \"\"la Rápida\"\"\"\t\"Club\tuno\"\n"
-                      "2\t\"Dos\nlíneas\"\tx\n"
-                      "oops\tz\tz\n")
-        << "1:Eva \"la Rápida\":Club\tuno::|2:Dos\nlíneas:x::"
-        << "5"
-        << "";
-    QTest::newRow("bad bibs: missing, not a number, zero, too large, repeated; blank lines")
-        << QByteArray("dorsal;nombre\n"
-                      ";a\n"
-                      "12a;b\n"
-                      "\n"
-                      "0;c\n"
-                      "10000;d\n"
-                      " 8 ;e\n"
-                      "8;f\n"
-                      "-3;g\n")
-        << "8:e:::"
-        << "2,3,5,6,8,9"
-        << "";
-    QTest::newRow("start times: h:mm:ss, mm:ss, a fraction; unreadable ones kept without")
-        << QByteArray("dorsal;salida\n"
-                      "1;1:00:00\n"
-                      "2;02:30\n"
-                      "3;0:00:10,5\n"
-                      "4;10h\n"
-                      "5;0:61:00\n")
-        << "1::::3600000|2::::150000|3::::10500|4::::|5::::"
-        << ""
-        << "5,6";
-}
-
-void EntrantsTest::reading()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, loaded);
-    QFETCH(QString, skipped);
-    QFETCH(QString, badStarts);
-
-    const entrants::Loaded got = entrants::read(bytes);
-    QVERIFY2(got.refusal.isEmpty(), qPrintable(got.refusal));
-    QStringList entries;
-    for (const entrants::Entrant& e : got.entrants)
-        entries << QStringLiteral("%1:%2:%3:%4:%5")
-                       .arg(e.bib)
-                       .arg(e.fullName(), e.club, e.categoria,
-                            e.salidaMs ? QString::number(*e.salidaMs) : QString());
-    QCOMPARE(entries.join(u'|'), loaded);
-    const auto join = [](const QList<int>& lines) {
-        QStringList l;
-        for (const int n : lines)
-            l << QString::number(n);
-        return l.join(u',');
-    };
-    QCOMPARE(join(got.skippedLines), skipped);
-    QCOMPARE(join(got.badStartLines), badStarts);
-}
-
-void EntrantsTest::refusals()
-{
-    QVERIFY(!entrants::read("nombre;club\nAna;X\n").refusal.isEmpty());
-    QVERIFY(!entrants::read("").refusal.isEmpty());
-    QByteArray huge("dorsal\n");
-    huge.append(entrants::maxFileBytes, '1');
-    const entrants::Loaded tooLarge = entrants::read(huge);
-    QVERIFY(tooLarge.refusal.contains(QStringLiteral("20 MB")));
-    QVERIFY(tooLarge.entrants.isEmpty());
-}
-
-void EntrantsTest::skippedMessage()
-{
-    entrants::Loaded loaded;
-    for (int line = 2; line < 27; ++line)
-        loaded.skippedLines << line;
-    const QString message = entrants::skippedMessage(loaded);
-    QVERIFY2(message.contains(QStringLiteral("(líneas 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, "
-                                             "15, 16, 17, 18, 19, 20, 21 y 5 más)")),
-             qPrintable(message));
-    QVERIFY(entrants::skippedMessage({}).isEmpty());
-}
 
 QTEST_APPLESS_MAIN(EntrantsTest)
 #include "tst_entrants.moc"
