@@ -8,7 +8,6 @@
 
 #include <QAction>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
@@ -82,28 +81,6 @@ private slots:
         f.click("Command1(0)");
         f.tick(2.5);
         QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:03:02"));
-    }
-
-    void functionKeysRecordWhileTheBibFieldHasTheFocus()
-    {
-        FormFixture f;
-        f.open();
-        f.click("Command1(0)");
-        f.tick(3);
-        auto* text1 = f.child<QLineEdit>("Text1");
-        text1->setVisible(true);
-        text1->setEnabled(true);
-        text1->setFocus();
-        text1->setText(QStringLiteral("12"));
-        f.pressF(1);
-        QCOMPARE(f.label("Label2")->text(), QStringLiteral("1"));
-        QCOMPARE(text1->text(), QString());
-        f.tick(1);
-        text1->setText(QStringLiteral("7"));
-        f.pressF(3);
-        QCOMPARE(f.label("Label2")->text(), QStringLiteral("2"));
-        QCOMPARE(text1->text(), QString());
-        QCOMPARE(f.lines("List1").size(), 2);
     }
 
     void finishIsStampedWhenItArrives()
