@@ -37,8 +37,7 @@ private slots:
     void clearThenRestore()
     {
         FormFixture f;
-        f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 0)));
-        f.open();
+        f.open(stoppedRace(2, 0));
         const QStringList lines = f.lines("List1");
         f.click("Command2(0)"); // the stopped clock moved to 00:01:00
         f.dialogs.answers = {Dialogs::Ok};
@@ -67,8 +66,7 @@ private slots:
     void compactToggleKeepsTheRace()
     {
         FormFixture f;
-        f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 0)));
-        f.open();
+        f.open(stoppedRace(2, 0));
         f.trigger("opp4"); // the compact window empties the results
         QVERIFY(f.lines("List1").isEmpty());
         QCOMPARE(archive::list(folder(f)).first().race.list1, stoppedRace(2, 0).list1);

@@ -3,7 +3,6 @@
 // control or covered by another, the lists show their lines without scrolling sideways, and
 // the column header stands over the columns of the results list, pixel for pixel. (The
 // compact window shows the same controls at the same places, only fewer of them.)
-#include "app/core/statefile.h"
 #include "results/core/resultline.h"
 #include "support/formfixture.h"
 #include "support/races.h"
@@ -50,8 +49,7 @@ private slots:
         race.combo1 = QStringList(40, modo == 2 ? bibLine(rank, bib) : combo1);
         race.list2 = QStringList(40, rank + u'-' + bib + QStringLiteral(" - 9:59:59"));
         FormFixture f;
-        f.writeFile("MARVO.dat", statefile::encode(race));
-        FormMarvolendo& form = f.open();
+        FormMarvolendo& form = f.open(race);
         f.tick(0.482);
 
         // Both ends of every one-line caption within the window lie inside its control, and

@@ -87,8 +87,7 @@ private slots:
         FormFixture f;
         RaceState s = runningRace();
         s.inicio = 0;
-        f.writeFile("MARVO.dat", statefile::encode(s));
-        FormMarvolendo& w = f.open();
+        FormMarvolendo& w = f.open(s);
         // Command8 empties the start order without asking.
         f.click("Command8");
         QVERIFY(f.lines("List2").isEmpty());

@@ -56,8 +56,7 @@ private slots:
             saved.label5 = QStringLiteral("00:00:00:000");
             saved.label8 = QStringLiteral("0:00:00:000");
         }
-        f.writeFile("MARVO.dat", statefile::encode(saved));
-        f.open();
+        f.open(saved);
         f.dialogs.answers = {clearing};
         f.trigger(QStringLiteral("op2(%1)").arg(index));
         QCOMPARE(f.dialogs.shown.size(), listed ? 1 : 0);
@@ -128,8 +127,7 @@ private slots:
     {
         FormFixture f;
         const RaceState saved = stoppedRace();
-        f.writeFile("MARVO.dat", statefile::encode(saved));
-        FormMarvolendo& w = f.open();
+        FormMarvolendo& w = f.open(saved);
         f.trigger("opp22");
         QVERIFY(!f.action("opp2")->isEnabled() && !f.action("op2(0)")->isEnabled());
         QVERIFY(f.button("Command1(0)")->isHidden());
@@ -167,8 +165,7 @@ private slots:
         // Start-up puts the saved mode back with the menu entry itself locked: only the compact
         // toggle and back opens it again.
         FormFixture f;
-        f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 2)));
-        FormMarvolendo& w = f.open();
+        FormMarvolendo& w = f.open(stoppedRace(2, 2));
         QVERIFY(f.action("opp22")->isChecked());
         QVERIFY(!f.action("opp22")->isEnabled() && !f.action("opp2")->isEnabled());
         QCOMPARE(f.lines("List1"), stoppedRace().list1);
@@ -214,8 +211,7 @@ private slots:
         QFETCH(bool, running);
         FormFixture f;
         const RaceState saved = running ? runningRace() : stoppedRace(2, modo);
-        f.writeFile("MARVO.dat", statefile::encode(saved));
-        FormMarvolendo& w = f.open();
+        FormMarvolendo& w = f.open(saved);
         f.tick(0);
         // Running, the clock does not read zero: the restore inside each toggle re-applies the
         // Lap mode, whose handler asks its format question.

@@ -2,7 +2,6 @@
 // stamped when they arrive; a start at a given time of day, a wall clock stepped mid-race, the
 // countdown beeps.
 #include "app/core/journal.h"
-#include "app/core/statefile.h"
 #include "support/formfixture.h"
 #include "support/races.h"
 
@@ -245,8 +244,7 @@ private slots:
         RaceState s = stoppedRace(2, 1);
         s.combo1.clear();
         s.list1.clear();
-        f.writeFile("MARVO.dat", statefile::encode(s));
-        f.open();
+        f.open(s);
         if (f.action("pitidos")->isChecked() != option)
             f.trigger("pitidos");
         f.list("List2")->setCurrentRow(row);
@@ -273,8 +271,7 @@ private slots:
     {
         FormFixture f;
         f.sound.device = false;
-        f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 1)));
-        f.open();
+        f.open(stoppedRace(2, 1));
         f.list("List2")->setCurrentRow(0);
         f.click("Command1(0)");
         f.tick(624);

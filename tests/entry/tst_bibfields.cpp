@@ -1,7 +1,6 @@
 // The two bib fields in the window: Text1 records a finish with the typed bib, Text2 rewrites
 // the bib of the line chosen in List1. Bad input must never crash nor touch a line it cannot
 // place.
-#include "app/core/statefile.h"
 #include "support/formfixture.h"
 
 #include <QApplication>
@@ -20,8 +19,7 @@ void openWithLines(FormFixture& f, const QStringList& lines)
     s.modoCaptura = 1.0;
     s.list1 = s.combo1 = lines; // Combo1 is neither read nor changed by the bib fields
     s.list2 = QStringList{"   1  41 Lopez Garcia, Ana      10:01:00"};
-    f.writeFile(QLatin1String(statefile::fileName), statefile::encode(s));
-    f.open();
+    f.open(s);
 }
 
 // Click and double-click a line of List1, or the list's top corner when there is no such line.

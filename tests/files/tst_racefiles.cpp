@@ -1,6 +1,5 @@
 // The race files through the window: TiemposSalida.txt after F1/F3 and the export button in both
 // capture modes, a missing results folder, the start-order import through the file dialog.
-#include "app/core/statefile.h"
 #include "support/formfixture.h"
 
 #include <QGroupBox>
@@ -19,8 +18,7 @@ static void twoFinishes(FormFixture& f, bool opp2,
     RaceState race;
     race.formato = 2; // Milesimas
     race.modoCaptura = opp2 ? 1 : 0;
-    f.writeFile("MARVO.dat", statefile::encode(race));
-    f.open();
+    f.open(race);
     auto* text1 = f.child<QLineEdit>("Text1");
     f.click("Command1(0)");
     f.clock.advance(12.5);

@@ -24,8 +24,7 @@ void prepare(FormFixture& f, int format, double mode)
     RaceState s;
     s.formato = format;
     s.modoCaptura = mode;
-    f.writeFile("MARVO.dat", statefile::encode(s));
-    f.open();
+    f.open(s);
 }
 
 void select(FormFixture& f, int row)
@@ -173,8 +172,7 @@ private slots:
         QFETCH(QString, edit);
         QFETCH(QStringList, expected);
         FormFixture f;
-        f.writeFile("MARVO.dat", statefile::encode(stoppedRace(2, 0)));
-        f.open();
+        f.open(stoppedRace(2, 0));
         f.click("Command2(0)"); // the stopped clock at 0:01:00 ...
         for (int i = 0; i < 20; ++i)
             f.click("Command2(0)"); // ... and on to 0:21:00, past every finish
@@ -225,8 +223,7 @@ private slots:
                    "   3-  27- 00:13:30:000 - 0:00:59:875",
                    "   4-  99- 00:14:00:000 - 0:01:29:875"};
         s.combo1 = s.list1;
-        f.writeFile("MARVO.dat", statefile::encode(s));
-        f.open();
+        f.open(s);
         QListWidget* list = f.list("List1");
         const auto tip = [&](int row) { return list->item(row)->toolTip(); };
         QVERIFY(tip(0).contains(QStringLiteral("repetido")));

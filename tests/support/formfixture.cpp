@@ -1,6 +1,6 @@
 #include "formfixture.h"
 
-#include "base/cp1252.h"
+#include "app/core/statefile.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -57,6 +57,12 @@ FormMarvolendo& FormFixture::open()
     window->activateWindow();
     QApplication::setActiveWindow(window.get());
     return *window;
+}
+
+FormMarvolendo& FormFixture::open(const RaceState& saved)
+{
+    writeFile(QLatin1String(statefile::fileName), statefile::encode(saved));
+    return open();
 }
 
 QStringList FormFixture::lines(const QString& listName) const

@@ -31,6 +31,8 @@ public:
     QString makeResultsFolder() const;
 
     FormMarvolendo& open();
+    // Opens on a race saved as the state file keeps it.
+    FormMarvolendo& open(const RaceState& saved);
     void close() { window.reset(); }
     FormMarvolendo& form() { return *window; }
 
