@@ -153,16 +153,6 @@ private slots:
         QVERIFY(again.start(path, startRecord()));
         QCOMPARE(journal::read(path).changes, 0);
     }
-
-    void writerReportsAnUnwritablePath()
-    {
-        QTemporaryDir dir;
-        Journal j;
-        QVERIFY(!j.start(dir.filePath(QStringLiteral("missing/MARVO.jrn")), startRecord()));
-        QVERIFY(!j.error().isEmpty());
-        QVERIFY(!j.append("x"));
-        QVERIFY(!j.start(dir.path(), startRecord())); // a folder where the file should be
-    }
 };
 
 QTEST_APPLESS_MAIN(JournalTest)

@@ -92,13 +92,6 @@ private slots:
         QTest::newRow("str keeps its blank") << basic::str(7) << " 7";
         QTest::newRow("str of a negative") << basic::str(-7) << "-7";
         QTest::newRow("str without leading zero") << basic::str(0.5) << " .5";
-        QTest::newRow("mid past the end") << basic::mid(u"abc", 5, 2) << "";
-        QTest::newRow("left longer than the text") << basic::left(u"ab", 5) << "ab";
-        QTest::newRow("right longer than the text") << basic::right(u"ab", 5) << "ab";
-        QTest::newRow("four places") << basic::rightAlign4(u"7") << "   7";
-        QTest::newRow("four places keep the last four") << basic::rightAlign4(u"12345") << "2345";
-        QTest::newRow("fit pads") << basic::fitFixed(u"0", 5) << "0    ";
-        QTest::newRow("fit cuts") << basic::fitFixed(u"10:30:45", 5) << "10:30";
     }
 
     void basicText()
