@@ -11,6 +11,9 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace
 {
 
@@ -135,6 +138,31 @@ private slots:
         f.dialogs.answers = {Dialogs::Yes};
         f.open();
         QCOMPARE(f.lines("List1"), before);
+    }
+
+    void journalRefusedThenWritableAgain()
+    {
+        // The file size limit stands in for a full disk: the journal's next entry is refused,
+        // the notice stays up while it is, and goes once the journal is whole again.
+        FormFixture f;
+        f.open();
+        f.click("Command1(0)");
+        f.tick(1);
+        f.pressF(1);
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit normal{};
+        getrlimit(RLIMIT_FSIZE, &normal);
+        rlimit full = normal;
+        full.rlim_cur = QFileInfo(f.path("MARVO.jrn")).size();
+        setrlimit(RLIMIT_FSIZE, &full);
+        f.tick(1);
+        f.pressF(1);
+        QLabel* notice = f.label("avisoDiario");
+        QVERIFY(!notice->isHidden() && notice->text().contains(QStringLiteral("diario")));
+        setrlimit(RLIMIT_FSIZE, &normal);
+        QTRY_VERIFY_WITH_TIMEOUT(notice->isHidden(), 5000);
+        f.close();
+        QCOMPARE(journal::read(f.path("MARVO.jrn")).record.state.list1.size(), 2);
     }
 
     void unwritableStateFile()
