@@ -69,9 +69,7 @@ private slots:
             {line1, line2, "   3-   7- 00:12:34 - 0:00:05"});
         row("nothing typed", three, 0, "", {});
         // Bad input: the list unchanged, the typed bib kept, a notice.
-        row("rank 0", {line1, "   0-   6"}, 1, "7\n", {}, notThere.arg("0"));
         row("rank beyond the list", {line1, "  99-   6"}, 1, "7\n", {}, notThere.arg("99"));
-        row("rank not a number", {line1, "abcd-   6"}, 1, "7\n", {}, notThere.arg("abcd"));
         row("empty Label14", {line1, ""}, 1, "7\n", {}, noLine);
         row("five-digit bib", three, 1, "12345\n", {}, "El valor no puede ser mayor que  9999");
         row("double-click on an empty list", {}, 0, "7\n", {}, noLine);
