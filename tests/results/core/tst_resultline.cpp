@@ -6,6 +6,19 @@ using namespace resultline;
 
 Q_DECLARE_METATYPE(TimeFormat)
 
+namespace
+{
+
+// A reading that may be missing, as a table cell (an empty reading is not a missing one).
+const QString none = QStringLiteral("(none)");
+
+QString cell(const std::optional<QString>& reading)
+{
+    return reading.value_or(none);
+}
+
+} // namespace
+
 class ResultLineTest : public QObject
 {
     Q_OBJECT
@@ -49,6 +62,220 @@ private slots:
         QCOMPARE(comboLine(r, cutTime(in[2], format, c), cutDifference(in[3], format, c)),
                  lines[1]);
         QCOMPARE(bibLine(r, b), lines[0].left(9));
+
+        // Read back: every field as it went in, whatever the format.
+        const QString time = cutTime(in[2], format, l), comboTime = cutTime(in[2], format, c);
+        const QString difference = cutDifference(in[3], format, l);
+        QCOMPARE(rankOf(lines[0]), lines[0].left(4).toInt());
+        QCOMPARE(bibOf(lines[0]), lines[0].mid(5, 4).toDouble());
+        QCOMPARE(bibText(lines[0]), b);
+        QCOMPARE(cell(list1Time(lines[0])), time);
+        QCOMPARE(cell(list1Difference(lines[0])), difference);
+        QCOMPARE(cell(combo1Time(lines[1])), comboTime);
+        QCOMPARE(cell(combo1Difference(lines[1])), cutDifference(in[3], format, c));
+        QCOMPARE(list1TimeText(lines[0], timevalue::timeWidth(format)), cutTime(in[2], format, c));
+        QCOMPARE(combo1TimeText(lines[1], timevalue::timeWidth(format)), comboTime);
+        QCOMPARE(withList1Difference(lines[0], u"X"), fullLine(r, b, time, u"X"));
+        QCOMPARE(withCombo1Difference(lines[1], u"X"), comboLine(r, comboTime, u"X"));
+    }
+
+    // Lines that are not whole: the bib as Val reads characters 6-9, no time unless a " - "
+    // follows character 11, and a difference rewritten only where there is a time.
+    void list1Readings_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<double>("bib");
+        QTest::addColumn<QString>("bibChars");
+        QTest::addColumn<QString>("time"); // `none`: no time
+        QTest::addColumn<QString>("difference");
+        QTest::addColumn<QString>("timeText"); // 8 characters from character 12
+        QTest::addColumn<QString>("withX");    // the difference made "X"
+        const auto row = [](const char* name, const QString& line, double bib,
+                            const QString& bibChars, const QString& time, const QString& difference,
+                            const QString& timeText, const QString& withX) {
+            QTest::newRow(name) << line << bib << bibChars << time << difference << timeText
+                                << withX;
+        };
+        const QString bibsOnly = "   3-  57";
+        const QString noDifference = "   3-  57- 00:12:34";
+
+        row("bibs-only", bibsOnly, 57, "  57", none, none, "", bibsOnly);
+        row("empty", "", 0, "", none, none, "", "");
+        row("short bib", "   3-  5", 5, "  5", none, none, "", "   3-  5");
+        row("time without difference", noDifference, 57, "  57", none, none, "00:12:34",
+            noDifference);
+        row("empty time", "   3-  57-  - 0:00:05", 57, "  57", "", "0:00:05",
+            " - 0:00:", "   3-  57-  - X");
+        row("second separator", "   3-  57- 00:12:34 - 0:00:05 - 1", 57, "  57", "00:12:34",
+            "0:00:05 - 1", "00:12:34", "   3-  57- 00:12:34 - X");
+        row("bib not a number", "   3- abc- 00:00:01 - 0", 0, " abc", "00:00:01", "0", "00:00:01",
+            "   3- abc- 00:00:01 - X");
+        row("blank inside the bib", "   3-1 2 - 00:00:01 - 0", 12, "1 2 ", "00:00:01", "0",
+            "00:00:01", "   3-1 2 - 00:00:01 - X");
+        row("negative bib", "   3-  -5- 00:00:01 - 0", -5, "  -5", "00:00:01", "0", "00:00:01",
+            "   3-  -5- 00:00:01 - X");
+    }
+
+    void list1Readings()
+    {
+        QFETCH(QString, line);
+        QFETCH(double, bib);
+        QFETCH(QString, bibChars);
+        QFETCH(QString, time);
+        QFETCH(QString, difference);
+        QFETCH(QString, timeText);
+        QFETCH(QString, withX);
+
+        QCOMPARE(bibOf(line), bib);
+        QCOMPARE(bibText(line), bibChars);
+        QCOMPARE(cell(list1Time(line)), time);
+        QCOMPARE(cell(list1Difference(line)), difference);
+        QCOMPARE(list1TimeText(line, 8), timeText);
+        QCOMPARE(withList1Difference(line, u"X"), withX);
+    }
+
+    void combo1Readings_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("time"); // `none`: no time
+        QTest::addColumn<QString>("difference");
+        QTest::addColumn<QString>("timeText"); // 8 characters from character 7
+        QTest::addColumn<QString>("withX");
+
+        QTest::newRow("bibs-only") << "   3-  57" << none << none << " 57"
+                                   << "   3-  57";
+        QTest::newRow("short") << "   3" << none << none << ""
+                               << "   3";
+        QTest::newRow("time without difference") << "   3- 00:12:34" << none << none << "00:12:34"
+                                                 << "   3- 00:12:34";
+        QTest::newRow("empty time") << "   3-  - 0:00:05"
+                                    << ""
+                                    << "0:00:05"
+                                    << " - 0:00:"
+                                    << "   3-  - X";
+    }
+
+    void combo1Readings()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, time);
+        QFETCH(QString, difference);
+        QFETCH(QString, timeText);
+        QFETCH(QString, withX);
+
+        QCOMPARE(cell(combo1Time(line)), time);
+        QCOMPARE(cell(combo1Difference(line)), difference);
+        QCOMPARE(combo1TimeText(line, 8), timeText);
+        QCOMPARE(withCombo1Difference(line, u"X"), withX);
+    }
+
+    // The rank in characters 1-4 as renumbering reads it, and the line renumbered: the new rank
+    // right-aligned in 4 (its last 4 when longer), the rest untouched.
+    void ranks_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("rank");
+        QTest::addColumn<int>("newRank");
+        QTest::addColumn<QString>("renumbered");
+
+        QTest::newRow("plain") << "   3-  57- x" << 3 << 12 << "  12-  57- x";
+        QTest::newRow("blank after digits") << "3   -  57" << 3 << 4 << "   4-  57";
+        QTest::newRow("blank between digits") << " 1 2-" << 12 << 11 << "  11-";
+        QTest::newRow("negative") << "  -1-  57" << -1 << -2 << "  -2-  57";
+        QTest::newRow("plus sign") << "  +7-" << 7 << 8 << "   8-";
+        QTest::newRow("fraction cut toward zero") << " 1.9-" << 1 << 2 << "   2-";
+        QTest::newRow("negative fraction") << "-1.9-" << -1 << 0 << "   0-";
+        QTest::newRow("tab") << "\t  4-" << 4 << 5 << "   5-";
+        QTest::newRow("hexadecimal") << "&H1F-" << 31 << 30 << "  30-";
+        QTest::newRow("exponent, longer rank keeps its last 4")
+            << "21E8-" << 2100000000 << 2100000001 << "0001-";
+        QTest::newRow("beyond int") << "1E99-  57" << 0 << 1 << "   1-  57";
+        QTest::newRow("long negative rank") << "   1-" << 1 << -12345 << "2345-";
+        QTest::newRow("short line") << "  7" << 7 << 8 << "   8";
+        QTest::newRow("empty") << "" << 0 << 5 << "   5";
+    }
+
+    void ranks()
+    {
+        QFETCH(QString, line);
+        QFETCH(int, rank);
+        QFETCH(int, newRank);
+        QFETCH(QString, renumbered);
+
+        QCOMPARE(rankOf(line), rank);
+        QCOMPARE(withRank(line, newRank), renumbered);
+    }
+
+    // A start-order record's line: record number and bib right-aligned in 4, the start time's
+    // last 7 characters.
+    void startLines_data()
+    {
+        QTest::addColumn<qint64>("record");
+        QTest::addColumn<int>("bib");
+        QTest::addColumn<QString>("startTime");
+        QTest::addColumn<QString>("line");
+
+        QTest::newRow("record 3") << qint64(3) << 27 << "00:10:30"
+                                  << "   3-  27 - 0:10:30";
+        QTest::newRow("negative bib, short time") << qint64(1) << -5 << "9:00"
+                                                  << "   1-  -5 - 9:00";
+        QTest::newRow("five digits") << qint64(12345) << 32767 << "12:00:00"
+                                     << "2345-2767 - 2:00:00";
+        QTest::newRow("blank time") << qint64(1) << 0 << "        "
+                                    << "   1-   0 -        ";
+    }
+
+    void startLines()
+    {
+        QFETCH(qint64, record);
+        QFETCH(int, bib);
+        QFETCH(QString, startTime);
+        QFETCH(QString, line);
+
+        QCOMPARE(startLine(record, static_cast<qint16>(bib), startTime), line);
+    }
+
+    // A List2 line read: the bib as a number and as the text Text1 takes, the start time as the
+    // countdown reads it (the last 7) and as the classification reads it (from character 13).
+    void startLineReadings_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("bib");
+        QTest::addColumn<QString>("bibText");
+        QTest::addColumn<QString>("countdownTime");
+        QTest::addColumn<QString>("classificationTime");
+
+        QTest::newRow("whole") << "   3-  27 - 0:10:30" << 27 << "27"
+                               << "0:10:30"
+                               << "0:10:30";
+        QTest::newRow("short time") << "   1-  -5 - 9:00" << -5 << "-5"
+                                    << " - 9:00"
+                                    << "9:00";
+        QTest::newRow("short line") << "   1-" << 0 << "0"
+                                    << "   1-"
+                                    << "";
+        QTest::newRow("fractional bib") << "   1- 1.5 - 0:00:01" << 1 << "1.5"
+                                        << "0:00:01"
+                                        << "0:00:01";
+        QTest::newRow("bib beyond int") << "   1-1E99 - 0:00:01" << 0 << "1E+99"
+                                        << "0:00:01"
+                                        << "0:00:01";
+    }
+
+    void startLineReadings()
+    {
+        QFETCH(QString, line);
+        QFETCH(int, bib);
+        QFETCH(QString, bibText);
+        QFETCH(QString, countdownTime);
+        QFETCH(QString, classificationTime);
+
+        QCOMPARE(startBibOf(line), bib);
+        QCOMPARE(bibOfStartLine(line), bibText);
+        QCOMPARE(startTimeText(line), countdownTime);
+        QCOMPARE(startTimeField(line).toString(), classificationTime);
+        QCOMPARE(startBibs({line, line, QStringLiteral("   9-   8 - 0:00:02")}),
+                 (QSet<int>{bib, 8}));
     }
 
     // A line taken apart by character position: the List1 index named by the rank in 1-4 (-1 for
