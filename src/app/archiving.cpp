@@ -6,7 +6,7 @@
 #include "app/texts.h"
 #include "base/paths.h"
 #include "files/core/exports.h"
-#include "results/core/finishedit.h"
+#include "results/core/resultline.h"
 
 #include <QAction>
 #include <QDateTime>
@@ -103,7 +103,7 @@ void FormMarvolendo::showPastRaces()
             cells << QString::number(k.race.list1.size())
                   << (k.race.list1.isEmpty()
                           ? QString()
-                          : finishedit::list1Time(k.race.list1.first()).value_or(QString()))
+                          : resultline::list1Time(k.race.list1.first()).value_or(QString()))
                   << nameOf(k.race.formato, formats) << nameOf(k.race.modoCaptura, modes);
         else
             cells << QStringLiteral("ilegible") << QString() << QString() << QString();

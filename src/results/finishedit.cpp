@@ -141,9 +141,9 @@ void FormMarvolendo::showNextWithoutBib()
         return;
     }
     const QString& line = race.list1()[next];
-    const std::optional<QString> time = finishedit::list1Time(line);
-    asignarSiguiente->setText(QStringLiteral("Puesto %1   %2")
-                                  .arg(basic::left(line, 4).trimmed(), time.value_or(QString())));
+    const std::optional<QString> time = resultline::list1Time(line);
+    asignarSiguiente->setText(
+        QStringLiteral("Puesto %1   %2").arg(resultline::rankText(line), time.value_or(QString())));
     const int waiting = bibChecks.noBib();
     asignarPendientes->setText(waiting == 1
                                    ? QStringLiteral("Queda 1 llegada sin dorsal")
@@ -234,7 +234,7 @@ void FormMarvolendo::addFinish()
     const QStringList& list1 = race.list1();
     const int at = finishedit::insertionIndex(list1, hours);
     const std::optional<QString> first =
-        list1.isEmpty() ? std::nullopt : finishedit::list1Time(list1.first());
+        list1.isEmpty() ? std::nullopt : resultline::list1Time(list1.first());
     const double firstHours = at == 0 || !first ? hours : finishedit::hoursOf(*first);
     // In the bibs-and-times mode the clock's difference stands still, and so does a Lap's.
     const bool differenceRuns = number(modoCaptura) != 1;
@@ -273,8 +273,8 @@ void FormMarvolendo::relabel(bool firstMayChange)
     const int format = checkedFormat();
     if (format >= 0 && !list1.isEmpty()) {
         const auto f = static_cast<TimeFormat>(format);
-        const std::optional<QString> first = finishedit::list1Time(list1.first());
-        const std::optional<QString> last = finishedit::list1Time(list1.last());
+        const std::optional<QString> first = resultline::list1Time(list1.first());
+        const std::optional<QString> last = resultline::list1Time(list1.last());
         if (first && last) {
             if (firstMayChange) {
                 tempsPrimer = timevalue::tempsexaMil(finishedit::hoursOf(*first));
@@ -283,10 +283,8 @@ void FormMarvolendo::relabel(bool firstMayChange)
             }
             if (number(modoCaptura) != 1)
                 Label5->setText(resultline::cutTime(*last, f, resultline::Target::List1));
-            const QString& lastCombo = race.combo1().last();
-            const qsizetype separator = lastCombo.indexOf(QLatin1String(" - "), 6);
-            if (separator > 0)
-                Label8->setText(lastCombo.mid(separator + 3));
+            if (const std::optional<QString> d = resultline::combo1Difference(race.combo1().last()))
+                Label8->setText(*d);
         }
     } else if (format >= 0 && list1.isEmpty()) {
         const auto f = static_cast<TimeFormat>(format);
@@ -326,7 +324,7 @@ void FormMarvolendo::recheckAllBibs()
     // A bib is entered when the start order or the loaded entrants have it.
     std::optional<QSet<int>> entered;
     if (!race.list2().isEmpty())
-        entered = finishedit::bibsOfStartOrder(race.list2());
+        entered = resultline::startBibs(race.list2());
     if (!inscritos.isEmpty()) {
         if (!entered)
             entered.emplace();

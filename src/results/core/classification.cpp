@@ -1,6 +1,6 @@
 #include "classification.h"
 
-#include "results/core/finishedit.h"
+#include "results/core/resultline.h"
 
 #include <QHash>
 #include <QSet>
@@ -13,16 +13,14 @@ namespace classification
 namespace
 {
 
-constexpr qsizetype startTimeAt = 12; // after "NNNN-BBBB - " of a start-order line
-
 // The start of each bib of the start order, the first line of a bib counting.
 QHash<int, qint64> startOrderTimes(const QStringList& list2)
 {
     QHash<int, qint64> starts;
     for (const QString& line : list2) {
-        const int bib = finishedit::bibOfStartLine(line);
+        const int bib = resultline::startBibOf(line);
         const std::optional<qint64> start =
-            entrants::readClockTime(QStringView(line).sliced(std::min(startTimeAt, line.size())));
+            entrants::readClockTime(resultline::startTimeField(line));
         if (bib > 0 && start && !starts.contains(bib))
             starts.insert(bib, *start);
     }
@@ -86,9 +84,9 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
     for (qsizetype i = 0; i < list1.size(); ++i) {
         Row row;
         row.arrival = static_cast<int>(i + 1);
-        row.bib = static_cast<int>(finishedit::bibOf(list1[i]));
+        row.bib = static_cast<int>(resultline::bibOf(list1[i]));
         row.entrant = entrantOfBib.value(row.bib, -1);
-        if (const std::optional<QString> time = finishedit::list1Time(list1[i]))
+        if (const std::optional<QString> time = resultline::list1Time(list1[i]))
             row.finishMs = lineTimeMs(*time);
 
         if (row.bib <= 0 || (results.withEntrants && row.entrant < 0)) {

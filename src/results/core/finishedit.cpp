@@ -12,18 +12,6 @@ namespace finishedit
 namespace
 {
 
-constexpr qsizetype list1TimeAt = 11; // after "RRRR-BBBB- "
-constexpr qsizetype combo1TimeAt = 6; // after "RRRR- "
-const QString separator = QStringLiteral(" - ");
-
-std::optional<QString> timeAt(QStringView line, qsizetype at)
-{
-    const qsizetype end = line.indexOf(separator, at);
-    if (end < at)
-        return std::nullopt;
-    return line.sliced(at, end - at).toString();
-}
-
 // The difference as the clock's Label7 shows it, cut as the line's target takes it.
 QString difference(double hours, double firstHours, TimeFormat format, resultline::Target target)
 {
@@ -63,38 +51,6 @@ double hoursOf(const QString& time)
     return seconds ? *seconds / timevalue::secondsPerHour : timevalue::decimalMil(time);
 }
 
-double bibOf(QStringView list1Line)
-{
-    // The usual field, blanks then digits, read at once; anything else as Val reads it.
-    if (list1Line.size() >= 9) {
-        int v = 0;
-        bool digits = false;
-        bool plain = true;
-        for (qsizetype i = 5; i < 9 && plain; ++i) {
-            const char16_t c = list1Line[i].unicode();
-            if (c >= u'0' && c <= u'9') {
-                v = v * 10 + (c - u'0');
-                digits = true;
-            } else if (c != u' ' || digits) {
-                plain = false;
-            }
-        }
-        if (plain)
-            return v;
-    }
-    return basic::val(basic::mid(list1Line, 6, 4));
-}
-
-std::optional<QString> list1Time(QStringView line)
-{
-    return timeAt(line, list1TimeAt);
-}
-
-std::optional<QString> combo1Time(QStringView line)
-{
-    return timeAt(line, combo1TimeAt);
-}
-
 FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format,
                     const std::optional<QString>& standingDifference)
 {
@@ -116,7 +72,7 @@ int insertionIndex(const QStringList& list1, double hours)
 {
     // The lines are in time order: the first one later than the new time.
     const auto later = std::partition_point(list1.begin(), list1.end(), [&](const QString& l) {
-        const std::optional<QString> t = list1Time(l);
+        const std::optional<QString> t = resultline::list1Time(l);
         return !t || hoursOf(*t) <= hours;
     });
     return static_cast<int>(later - list1.begin());
@@ -127,24 +83,21 @@ void recomputeDifferences(QStringList& combo1, QStringList& list1, TimeFormat fo
     using resultline::Target;
     if (list1.isEmpty())
         return;
-    const std::optional<QString> first = list1Time(list1.first());
+    const std::optional<QString> first = resultline::list1Time(list1.first());
     if (!first)
         return;
     const double firstHours = hoursOf(*first);
     for (qsizetype i = 0; i < list1.size(); ++i) {
         QString& line = list1[i];
-        const std::optional<QString> t = list1Time(line);
+        const std::optional<QString> t = resultline::list1Time(line);
         if (!t)
             continue;
         // Both lines of a finish carry the same difference: worked out once.
         const QString d = difference(hoursOf(*t), firstHours, format, Target::List1);
-        line = line.left(list1TimeAt) + *t + separator + d;
-        if (i < combo1.size()) {
-            QString& other = combo1[i];
-            if (const std::optional<QString> ct = combo1Time(other))
-                other = other.left(combo1TimeAt) + *ct + separator +
-                        resultline::cutDifference(d, format, Target::Combo1);
-        }
+        line = resultline::withList1Difference(line, d);
+        if (i < combo1.size())
+            combo1[i] = resultline::withCombo1Difference(
+                combo1[i], resultline::cutDifference(d, format, Target::Combo1));
     }
 }
 
@@ -157,7 +110,7 @@ void BibChecks::reset(const QStringList& list1, const std::optional<QSet<int>>& 
     std::fill(std::begin(counts), std::end(counts), 0);
     bibs.reserve(list1.size());
     for (const QString& line : list1) {
-        bibs << bibOf(line);
+        bibs << resultline::bibOf(line);
         linesOfBib[bibs.last()] << static_cast<int>(bibs.size() - 1);
     }
     problems.fill(NoProblem, bibs.size());
@@ -167,7 +120,7 @@ void BibChecks::reset(const QStringList& list1, const std::optional<QSet<int>>& 
 
 QList<int> BibChecks::append(const QString& list1Line)
 {
-    const double bib = bibOf(list1Line);
+    const double bib = resultline::bibOf(list1Line);
     const int index = static_cast<int>(bibs.size());
     bibs << bib;
     problems << NoProblem;
@@ -187,7 +140,7 @@ QList<int> BibChecks::rewrite(int index, const QString& list1Line)
     if (index < 0 || index >= bibs.size())
         return {};
     const double old = bibs[index];
-    const double bib = bibOf(list1Line);
+    const double bib = resultline::bibOf(list1Line);
     if (old == bib)
         return {};
     QList<int>& before = linesOfBib[old];
@@ -222,19 +175,6 @@ void BibChecks::set(int index, int problem)
     for (int bit = 0; bit < 3; ++bit)
         counts[bit] += ((problem >> bit) & 1) - ((old >> bit) & 1);
     problems[index] = problem;
-}
-
-int bibOfStartLine(QStringView list2Line)
-{
-    return static_cast<int>(basic::val(basic::mid(list2Line, 6, 4)));
-}
-
-QSet<int> bibsOfStartOrder(const QStringList& list2)
-{
-    QSet<int> bibs;
-    for (const QString& line : list2)
-        bibs.insert(bibOfStartLine(line));
-    return bibs;
 }
 
 } // namespace finishedit

@@ -1,6 +1,6 @@
 // Editing the results after the fact: the lines of a finish added at a given time, where it
 // goes, the differences worked out again when the first finisher changes, and the checks of
-// the bibs. Lines keep the forms a Lap writes (rank, bib, time, difference by position).
+// the bibs. Lines keep the forms a Lap writes; resultline builds and reads them.
 #pragma once
 
 #include "chrono/core/timevalue.h"
@@ -16,14 +16,6 @@
 
 namespace finishedit
 {
-
-// The bib of a List1 line (characters 6-9), 0 when blank or not a number.
-double bibOf(QStringView list1Line);
-
-// The time field of a List1 line ("R-B- T - D") and of a Combo1 line ("R- T - D"); none when
-// the line has no time (the bibs-only form).
-std::optional<QString> list1Time(QStringView line);
-std::optional<QString> combo1Time(QStringView line);
 
 // The two lines a Lap at `hours` writes as rank `rank`, with the bib typed as `bib` and the
 // first finisher at `firstHours`. Where the clock's difference does not run (the bibs-and-times
@@ -71,9 +63,5 @@ private:
     QList<int> problems;
     int counts[3] = {};
 };
-
-// The bib of a start-order line (characters 6-9), and the bibs of them all.
-int bibOfStartLine(QStringView list2Line);
-QSet<int> bibsOfStartOrder(const QStringList& list2);
 
 } // namespace finishedit
