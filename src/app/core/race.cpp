@@ -1,7 +1,7 @@
 #include "race.h"
 
-#include "base/basic.h"
 #include "results/core/finishedit.h"
+#include "results/core/resultline.h"
 
 RaceChange RaceChange::bib(int index, const QString& list1Line)
 {
@@ -48,13 +48,6 @@ RaceChange RaceChange::of(Kind kind)
     return c;
 }
 
-QString withRank(const QString& line, int rank)
-{
-    // A whole rank is written as field4 writes it; integer formatting keeps renumbering ten
-    // thousand lines cheap.
-    return basic::rightAlign4(QString::number(rank)) + line.mid(4);
-}
-
 namespace
 {
 
@@ -63,11 +56,7 @@ void shiftRanks(QStringList& lines, qsizetype from, int step)
 {
     for (qsizetype i = from; i < lines.size(); ++i) {
         QString& line = lines[i];
-        bool whole = false;
-        const int rank =
-            QStringView(line).first(std::min<qsizetype>(4, line.size())).trimmed().toInt(&whole);
-        line = whole ? withRank(line, rank + step)
-                     : withRank(line, static_cast<int>(basic::val(basic::left(line, 4))) + step);
+        line = resultline::withRank(line, resultline::rankOf(line) + step);
     }
 }
 

@@ -55,9 +55,6 @@ struct RaceLines {
 // leaves them as they are and returns false.
 bool applyChange(RaceLines& lines, const RaceChange& change);
 
-// The line with its rank field (characters 1-4) made `rank`.
-QString withRank(const QString& line, int rank);
-
 class Race : public QObject
 {
     Q_OBJECT
