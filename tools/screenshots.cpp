@@ -115,10 +115,9 @@ RaceState race(double modo, bool running)
     const int bibs[] = {57, 112, 8, 231, 94, 160, 17, 45, 73};
     for (int i = 0; i < 9; ++i) {
         const int start = 10 * 60 + 30 * i;
-        s.list2 << resultline::rankField(QString::number(i + 1)) + u'-' +
-                       resultline::bibField(QString::number(bibs[i])) + QStringLiteral(" - ") +
-                       basic::right(
-                           timevalue::tempsexaMil(start / timevalue::secondsPerHour).left(8), 7);
+        s.list2 << resultline::startLine(
+            i + 1, static_cast<qint16>(bibs[i]),
+            timevalue::tempsexaMil(start / timevalue::secondsPerHour).left(8));
     }
     return s;
 }

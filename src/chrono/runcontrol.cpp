@@ -5,6 +5,7 @@
 #include "base/basic.h"
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
+#include "results/core/resultline.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -139,7 +140,7 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
         const QListWidgetItem* selected = List2->currentItem();
         const QString line = selected ? selected->text() : QString();
         if (!line.isEmpty()) {
-            const double start = timevalue::decimalMil(u'0' + basic::right(line, 7));
+            const double start = timevalue::decimalMil(u'0' + resultline::startTimeText(line));
             toStart = (start - running) * timevalue::secondsPerHour;
             const QString remaining = timevalue::tempsexaMil(start - running);
             if (basic::val(Text1->text()) > 0) {

@@ -1,9 +1,9 @@
 #include "exports.h"
 
-#include "base/basic.h"
 #include "base/cp1252.h"
 #include "base/paths.h"
 #include "base/savefile.h"
+#include "results/core/resultline.h"
 
 #include <QDir>
 
@@ -17,15 +17,7 @@ namespace exports
 namespace
 {
 
-constexpr qsizetype bibStart = 6;
-constexpr qsizetype bibLength = 4;
-constexpr qsizetype timeStart = 12;
-constexpr qsizetype splitTimeStart = 7;
-
-QString bib(const QString& line)
-{
-    return basic::mid(line, bibStart, bibLength);
-}
+constexpr qsizetype bibLength = 4; // the longest bib a line holds
 
 // Every line of the files is short: reserving by the line count avoids regrowing.
 QByteArray reserved(const Source& source, qsizetype lineLength)
@@ -48,7 +40,7 @@ QByteArray bibTimeLines(const Source& source)
     const qsizetype width = source.format ? timevalue::timeWidth(*source.format) : 0;
     QByteArray bytes = reserved(source, bibLength + 1 + width);
     for (const QString& line : source.list1)
-        append(bytes, bib(line) + u',' + basic::mid(line, timeStart, width));
+        append(bytes, resultline::bibText(line) + u',' + resultline::list1TimeText(line, width));
     return bytes;
 }
 
@@ -56,7 +48,7 @@ QByteArray bibLines(const Source& source)
 {
     QByteArray bytes = reserved(source, bibLength);
     for (const QString& line : source.list1)
-        append(bytes, bib(line));
+        append(bytes, resultline::bibText(line));
     return bytes;
 }
 
@@ -68,7 +60,7 @@ QByteArray splitTimeLines(const Source& source)
     QByteArray bytes = reserved(source, width);
     for (qsizetype i = 0; i < source.list1.size(); ++i) {
         const QString split = i < source.combo1.size() ? source.combo1.at(i) : QString();
-        append(bytes, basic::mid(split, splitTimeStart, width));
+        append(bytes, resultline::combo1TimeText(split, width));
     }
     return bytes;
 }

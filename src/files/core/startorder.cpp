@@ -1,7 +1,7 @@
 #include "startorder.h"
 
-#include "base/basic.h"
 #include "base/cp1252.h"
+#include "results/core/resultline.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -39,8 +39,7 @@ public:
 
 QString line(qint64 recordNumber, qint16 bib, QByteArrayView startTime)
 {
-    return basic::field4(static_cast<double>(recordNumber)) + u'-' + basic::field4(bib) +
-           QStringLiteral(" - ") + basic::right(cp1252::decode(startTime), 7);
+    return resultline::startLine(recordNumber, bib, cp1252::decode(startTime));
 }
 
 StartOrderImport readStartOrder(QIODevice& device)
