@@ -13,6 +13,7 @@
 #include "files/adodatacontrol.h"
 #include "files/core/latestwriter.h"
 #include "files/odbc/readingslink.h"
+#include "results/core/resultline.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -172,11 +173,10 @@ void FormMarvolendo::Form_Load()
     const QStringList& finishes = race.list1();
     Label2->setText(basic::digits(double(finishes.size())));
     if (!finishes.isEmpty()) {
-        const QString& last = finishes.last();
-        const qsizetype separator = last.indexOf(QLatin1String(" - "), 11);
-        if (separator > 11) {
-            Label5->setText(basic::mid(last, 12, separator - 11));
-            Label8->setText(last.mid(separator + 3));
+        const std::optional<QString> time = resultline::list1Time(finishes.last());
+        if (time && !time->isEmpty()) {
+            Label5->setText(*time);
+            Label8->setText(resultline::list1Difference(finishes.last()).value_or(QString()));
         }
     }
 }

@@ -3,7 +3,6 @@
 #include "app/formmarvolendo.h"
 #include "app/look.h"
 #include "app/racecommand.h"
-#include "base/basic.h"
 #include "entry/core/entrada.h"
 #include "results/core/resultline.h"
 
@@ -124,7 +123,7 @@ void FormMarvolendo::rewriteCorrectedLine()
     const int index = resultline::lineIndexOfRank(*line);
     if (index < 0 || index >= race.list1().size()) {
         avisar(QStringLiteral("No se puede corregir: la línea %1 no está en la lista")
-                   .arg(basic::left(*line, 4).trimmed()));
+                   .arg(resultline::rankText(*line)));
         return;
     }
     Label14->setText(*line);
