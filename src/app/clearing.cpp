@@ -4,6 +4,7 @@
 #include "app/look.h"
 #include "app/texts.h"
 #include "base/basic.h"
+#include "results/resultspublisher.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -24,26 +25,28 @@ void FormMarvolendo::Command4_Click()
 {
     // Nothing recorded and the clock at zero: there is nothing to lose, so no question, unless
     // entrants are loaded, which go with the race.
-    if (Label1->text() != zeroClock || !race.list1().isEmpty() || hasEntrants()) {
+    if (session.clockCaption() != zeroClock || !race.list1().isEmpty() ||
+        publisher->hasEntrants()) {
         respuesta = dialogs.confirm(this, QStringLiteral("Borrado de tiempos"),
                                     QStringLiteral("Cuidado si continua borrara todos los datos "
                                                    "almacenados"));
         if (respuesta == Dialogs::Cancel)
             return;
         // Nothing is lost by a click: the race as it stands is kept first.
-        keepCurrentRace();
+        session.keepCurrent();
     }
 
-    inicio = 0;
-    desfase = 0;
-    horaSalida = basic::fitFixed(QString(), 5);
-    tempsPrimer.clear();
+    const Race::Batch batch(race);
+    race.setInicio(0);
+    race.setDesfase(0);
+    race.setHoraSalida(basic::fitFixed(QString(), 5));
+    race.setTempsPrimer(QString());
     // Saved while the lists still hold the old race: the file keeps them, with the clock reset,
     // until the next save.
     guardarEstado();
 
-    Label2->setText(QStringLiteral("0"));
-    Label1->setText(zeroClock);
+    race.setRank(QStringLiteral("0"));
+    race.setClock(zeroClock);
     switch (checkedFormat()) {
     case 0:
         Label6->setText(QString());
@@ -58,7 +61,7 @@ void FormMarvolendo::Command4_Click()
         break;
     }
     race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
-    forgetEntrants();
+    publisher->forget();
 
     for (QLabel* l : {Label4, Label7}) {
         look::setColours(l, look::lightGrey, Qt::black);
@@ -75,7 +78,6 @@ void FormMarvolendo::Command4_Click()
                        static_cast<QWidget*>(List1), static_cast<QWidget*>(Text1)})
         look::setColours(w, look::lightGrey, look::grey);
     Text1->clear();
-    journalSnapshot();
 }
 
 void FormMarvolendo::opp4_Click()
@@ -87,19 +89,18 @@ void FormMarvolendo::opp4_Click()
     recuperar();
 
     if (opp4->isChecked()) {
-        setFormHeightTwips(layouts::compact.height);
-        setFormWidthTwips(layouts::compact.width);
+        setFormTwips(layouts::compact.width, layouts::compact.height);
         Command6->setVisible(false);
         opp2->setEnabled(false);
         opp22->setEnabled(false);
         opp4->setText(QStringLiteral("Maximizar"));
     } else {
-        setFormHeightTwips(layouts::fullHeight);
+        setFormTwips(-1, layouts::fullHeight);
         if (opp2->isChecked())
-            setFormWidthTwips(layouts::bibsAndTimesWidth);
+            setFormTwips(layouts::bibsAndTimesWidth, -1);
         else
             Command6->setVisible(true);
-        if (inicio == 0) {
+        if (!race.running()) {
             opp2->setEnabled(true);
             opp22->setEnabled(true);
         }

@@ -1,14 +1,19 @@
 // Building the window: every control with its name, caption, font, colour and place.
+#include "app/archivewindow.h"
 #include "app/artwork.h"
 #include "app/core/statefile.h"
 #include "app/formmarvolendo.h"
 #include "app/layouts.h"
 #include "app/look.h"
+#include "app/notices.h"
 #include "app/texts.h"
 #include "app/version.h"
+#include "chrono/armedstart.h"
 #include "files/adodatacontrol.h"
 #include "files/core/latestwriter.h"
+#include "results/finisheditor.h"
 #include "results/linedelegate.h"
+#include "results/resultspublisher.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -264,27 +269,8 @@ void FormMarvolendo::buildControls()
     look::setColours(Label17, look::darkRed, Qt::white);
     Frame3->setVisible(false);
 
-    // The notice of a failed save: no focus, no click.
-    aviso = make<QLabel>(area, QStringLiteral("aviso"));
-    aviso->setWordWrap(true);
-    aviso->setFont(sansFont(8, true));
-    aviso->setFocusPolicy(Qt::NoFocus);
-    aviso->setAttribute(Qt::WA_TransparentForMouseEvents);
-    look::setColours(aviso, QColor(255, 220, 120), QColor(100, 0, 0));
-    aviso->setVisible(false);
-    avisoDiario = make<QLabel>(area, QStringLiteral("avisoDiario"));
-    avisoDiario->setWordWrap(true);
-    avisoDiario->setFont(aviso->font());
-    avisoDiario->setFocusPolicy(Qt::NoFocus);
-    avisoDiario->setAttribute(Qt::WA_TransparentForMouseEvents);
-    look::setColours(avisoDiario, QColor(255, 200, 200), QColor(100, 0, 0));
-    avisoDiario->setVisible(false);
-    avisoTimer = new QTimer(this);
-    avisoTimer->setSingleShot(true);
-    avisoTimer->setInterval(15000);
-    journalRetry = new QTimer(this);
-    journalRetry->setInterval(1000);
-    connect(journalRetry, &QTimer::timeout, this, &FormMarvolendo::repairJournal);
+    // The notices of a failure, under the row of "Lap": no focus, no click.
+    notices = new Notices(area, Command3);
     guardadoTimer = new QTimer(this);
     guardadoTimer->setSingleShot(true);
     guardadoTimer->setInterval(1000);
@@ -340,20 +326,6 @@ void FormMarvolendo::buildMenus()
     hhora->setObjectName(QStringLiteral("hhora"));
 }
 
-void FormMarvolendo::aboutMarvolendo()
-{
-    const QString state =
-        QFileInfo(stateFileInUse.isEmpty() ? carpeta + QLatin1String(statefile::fileName)
-                                           : stateFileInUse)
-            .absoluteFilePath();
-    dialogs.inform(this, QStringLiteral("Acerca de Marvolendo"),
-                   QStringLiteral("Marvolendo %1\nCronómetro de llegada para carreras.\n\n"
-                                  "Carpeta de la carrera: %2\nFichero de estado: %3")
-                       .arg(QLatin1String(version::text),
-                            QDir::toNativeSeparators(QFileInfo(state).absolutePath()),
-                            QDir::toNativeSeparators(state)));
-}
-
 // What the program adds to the old window: the menu "Carrera" after "Opciones", and the
 // options at the end of "Opciones".
 void FormMarvolendo::buildRaceMenu()
@@ -374,56 +346,99 @@ void FormMarvolendo::buildRaceMenu()
     menuBar()->insertMenu(hhora, carrera);
     salidaHora = carrera->addAction(QStringLiteral("Salida a una hora..."));
     salidaHora->setObjectName(QStringLiteral("salidaHora"));
-    connect(salidaHora, &QAction::triggered, this, &FormMarvolendo::startAtTimeOfDay);
+    armedStart = new ArmedStart(this,
+                                {Label1, Label6, Command1[0], Command1[1], Command2[0], Command2[1],
+                                 Command4, List2, pitidos, Timer1},
+                                session, clock, dialogs, sound, *notices,
+                                [this] { return checkedFormat(); });
+    connect(salidaHora, &QAction::triggered, armedStart, &ArmedStart::startAtTimeOfDay);
+    connect(armedStart, &ArmedStart::startNow, this, &FormMarvolendo::startRun);
+    connect(armedStart, &ArmedStart::beepDue, this, &FormMarvolendo::Timer1_Timer);
     carrera->addSeparator();
-    buildEditing();
+    finishEditor = new FinishEditor(this, carrera, List1, Combo1, session, dialogs, *notices);
+    connect(finishEditor, &FinishEditor::finishKey, this,
+            [this](int code) { Form_KeyDown(code, Qt::NoModifier); });
+    connect(finishEditor, &FinishEditor::answered, this,
+            [this](int answer) { respuesta = answer; });
     carrera->addSeparator();
+    publisher = new ResultsPublisher(this, session, dialogs, *notices);
     QAction* inscritosCsv = carrera->addAction(QStringLiteral("Cargar inscritos (CSV)..."));
     inscritosCsv->setObjectName(QStringLiteral("inscritos"));
-    connect(inscritosCsv, &QAction::triggered, this, &FormMarvolendo::loadEntrants);
+    connect(inscritosCsv, &QAction::triggered, publisher, &ResultsPublisher::loadEntrants);
     QAction* resultados = carrera->addAction(QStringLiteral("Resultados..."));
     resultados->setObjectName(QStringLiteral("resultados"));
-    connect(resultados, &QAction::triggered, this, &FormMarvolendo::publishResults);
+    connect(resultados, &QAction::triggered, publisher, &ResultsPublisher::publish);
     carrera->addSeparator();
+    archiveWindow = new ArchiveWindow(this, session, dialogs);
     QAction* anteriores = carrera->addAction(QStringLiteral("Carreras anteriores..."));
     anteriores->setObjectName(QStringLiteral("anteriores"));
-    connect(anteriores, &QAction::triggered, this, &FormMarvolendo::showPastRaces);
+    connect(anteriores, &QAction::triggered, archiveWindow, &ArchiveWindow::show);
+    connect(archiveWindow, &ArchiveWindow::answered, this,
+            [this](int answer) { respuesta = answer; });
+    connect(archiveWindow, &ArchiveWindow::recovered, this, [this](const RaceState& chosen) {
+        // The window reads the kept race as at start-up.
+        const Race::Batch batch(race);
+        race.setInicio(0);
+        race.setDesfase(chosen.desfase);
+        race.setHoraSalida(chosen.horaSalida);
+        race.setTempsPrimer(chosen.tempsPrimer);
+        race.setFormato(chosen.formato);
+        race.setModoCaptura(chosen.modoCaptura);
+        race.apply(RaceChange::of(RaceChange::Kind::StartOrderEmptied));
+        restored = statefile::Restored{chosen, 8, true};
+        recuperar();
+        race.apply(raceedits::relabelled(race.record(), session.editContext()));
+    });
     carrera->addSeparator();
     QAction* acerca = carrera->addAction(QStringLiteral("Acerca de Marvolendo"));
     acerca->setObjectName(QStringLiteral("acerca"));
-    connect(acerca, &QAction::triggered, this, &FormMarvolendo::aboutMarvolendo);
+    connect(acerca, &QAction::triggered, this, [this] {
+        const QString state = QFileInfo(session.stateFile()).absoluteFilePath();
+        dialogs.inform(this, QStringLiteral("Acerca de Marvolendo"),
+                       QStringLiteral("Marvolendo %1\nCronómetro de llegada para carreras.\n\n"
+                                      "Carpeta de la carrera: %2\nFichero de estado: %3")
+                           .arg(QLatin1String(version::text),
+                                QDir::toNativeSeparators(QFileInfo(state).absolutePath()),
+                                QDir::toNativeSeparators(state)));
+    });
     // Like "+" and "-": only with the clock stopped at zero, or to take an armed start back.
     connect(carrera, &QMenu::aboutToShow, this, [this] {
-        salidaHora->setEnabled(armedMono || (inicio == 0 && Label1->text() == texts::zeroClock &&
-                                             !opp22->isChecked()));
+        salidaHora->setEnabled(
+            armedStart->armed() ||
+            (!race.running() && session.clockCaption() == texts::zeroClock && !opp22->isChecked()));
     });
-
-    armTimer = new QTimer(this);
-    armTimer->setObjectName(QStringLiteral("armTimer"));
-    armTimer->setSingleShot(true);
-    armTimer->setTimerType(Qt::PreciseTimer);
-    connect(armTimer, &QTimer::timeout, this, &FormMarvolendo::armedTick);
-    beepTimer = new QTimer(this);
-    beepTimer->setSingleShot(true);
-    beepTimer->setTimerType(Qt::PreciseTimer);
-    connect(beepTimer, &QTimer::timeout, this, &FormMarvolendo::Timer1_Timer);
 }
 
 void FormMarvolendo::connectHandlers()
 {
-    // The lists show the race record, and the journal writes each change of it as it is made.
+    // The controls show the race; the session has journaled each change before they hear of it.
     connect(&race, &Race::changed, this, &FormMarvolendo::showChange);
-    connect(&race, &Race::changed, this, &FormMarvolendo::journalChange);
     connect(&race, &Race::restored, this, &FormMarvolendo::showRestored);
+    connect(&race, &Race::entrantsChanged, finishEditor, &FinishEditor::showAllChecks);
+    connect(&session, &RaceSession::differenceChanged, Label7, &QLabel::setText);
+    connect(&session, &RaceSession::notice, notices, &Notices::show);
+    connect(&session.journal(), &JournalKeeper::refused, this, [this](const QString& error) {
+        notices->keep(QStringLiteral("No se puede escribir el diario de la carrera (%1). Lo que "
+                                     "se marque sigue en pantalla; el diario se completará en "
+                                     "cuanto se pueda escribir.")
+                          .arg(error));
+    });
+    connect(&session.journal(), &JournalKeeper::whole, notices, &Notices::takeBack);
+    // A Lap asks the menu's check marks, in index order.
+    session.setLapOptions([this] {
+        return RaceSession::LapOptions{checkedFormat(), opp22->isChecked()};
+    });
     startTimesWriter = std::make_unique<LatestWriter>();
-    connect(startTimesWriter.get(), &LatestWriter::written, this,
-            &FormMarvolendo::startTimesWritten);
+    connect(startTimesWriter.get(), &LatestWriter::written, this, [this](const QString& message) {
+        if (!message.isEmpty())
+            avisar(QStringLiteral("%1. La llegada ha quedado registrada.").arg(message));
+    });
 
     connect(Command1[0], &QPushButton::clicked, this, [this] { Command1_Click(0); });
     connect(Command1[1], &QPushButton::clicked, this, [this] { Command1_Click(1); });
     connect(Command2[0], &QPushButton::clicked, this, [this] { Command2_Click(0); });
     connect(Command2[1], &QPushButton::clicked, this, [this] { Command2_Click(1); });
-    connect(Command3, &QPushButton::clicked, this, &FormMarvolendo::recordFinish);
+    connect(Command3, &QPushButton::clicked, this, &FormMarvolendo::Command3_Click);
     connect(Command4, &QPushButton::clicked, this, &FormMarvolendo::Command4_Click);
     connect(Command5, &QPushButton::clicked, this, &FormMarvolendo::Command5_Click);
     connect(Command6, &QPushButton::clicked, this, &FormMarvolendo::Command6_Click);
@@ -434,12 +449,12 @@ void FormMarvolendo::connectHandlers()
     // Qt toggles a check item before it reports the click, while these handlers move their
     // own check marks: the mark is put back as it stood, then the handler runs. A format or
     // mode choice changes window-level values all through its handler (and may clear the
-    // race): the journal takes the race whole after it.
+    // race): the journal takes the race whole once, after it.
     const auto menuClick = [this](QAction* action, auto handler) {
         connect(action, &QAction::triggered, this, [this, action, handler](bool checked) {
+            const Race::Batch batch(race);
             action->setChecked(!checked);
             handler();
-            journalSnapshot();
         });
     };
     for (int i = 0; i < 3; ++i)
@@ -450,7 +465,6 @@ void FormMarvolendo::connectHandlers()
     connect(List1, &QListWidget::itemClicked, this, &FormMarvolendo::List1_Click);
     connect(List1, &QListWidget::currentRowChanged, this, &FormMarvolendo::List1_Click);
     connect(List2, &QListWidget::itemClicked, this, &FormMarvolendo::List2_Click);
-    connect(avisoTimer, &QTimer::timeout, aviso, &QLabel::hide);
     connect(guardadoTimer, &QTimer::timeout, Frame3, &QGroupBox::hide);
 
     // The function keys reach the window before any control, also while a field has the focus.

@@ -4,6 +4,7 @@
 #include "app/artwork.h"
 #include "app/layouts.h"
 #include "app/look.h"
+#include "app/notices.h"
 #include "app/texts.h"
 #include "base/basic.h"
 #include "base/cp1252.h"
@@ -14,6 +15,7 @@
 #include "files/core/latestwriter.h"
 #include "files/odbc/readingslink.h"
 #include "results/core/resultline.h"
+#include "results/resultspublisher.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -43,7 +45,8 @@ constexpr int timeOfDayIntervalMs = 250;
 
 FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, Sound* soundSource,
                                QWidget* parent)
-    : QMainWindow(parent), sound(soundSource), clock(clockSource), dialogs(dialogSource)
+    : QMainWindow(parent), session(clockSource, carpeta), race(session.race()), clock(clockSource),
+      dialogs(dialogSource), sound(soundSource)
 {
     setObjectName(QStringLiteral("FormMarvolendo"));
     setWindowIcon(artwork::appIcon());
@@ -53,18 +56,14 @@ FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, Sound*
     connectHandlers();
     // The window as drawn: the wide layout with the results list.
     setFormTwips(layouts::drawn.width, layouts::drawn.height);
-    // After an abnormal end the journal may hold finishes the state file lacks.
     offerRecovery();
-    reloadEntrants();
+    publisher->reload();
     Form_Load();
-    startJournal();
+    session.startJournal();
 }
 
 FormMarvolendo::~FormMarvolendo()
 {
-    // Results still being written finish first: their files are never left half made.
-    if (resultsThread)
-        resultsThread->wait();
     // The last start-times file is written before the window goes.
     startTimesWriter.reset();
 }
@@ -80,74 +79,60 @@ int FormMarvolendo::checkedFormat() const
 
 void FormMarvolendo::setFormTwips(int widthTwips, int heightTwips)
 {
-    resize(look::px(widthTwips), look::px(heightTwips));
-}
-
-void FormMarvolendo::setFormWidthTwips(int widthTwips)
-{
-    resize(look::px(widthTwips), height());
-}
-
-void FormMarvolendo::setFormHeightTwips(int heightTwips)
-{
-    resize(width(), look::px(heightTwips));
+    resize(widthTwips < 0 ? width() : look::px(widthTwips),
+           heightTwips < 0 ? height() : look::px(heightTwips));
 }
 
 void FormMarvolendo::Form_Load()
 {
-    formato = 2.0;
+    const Race::Batch batch(race);
+    race.setFormato(2.0);
     intervalo = basic::fitFixed(QStringLiteral("1"), 8);
     setWindowTitle(QStringLiteral("Marvolendo"));
-    Label1->setText(QStringLiteral("00:00:00"));
+    race.setClock(QStringLiteral("00:00:00"));
     Timer1->setInterval(displayIntervalMs);
     Timer1->stop();
     Timer2->setInterval(timeOfDayIntervalMs);
     Timer2->start();
     ProgressBar1->setValue(0);
-    inicio = 0;
-    desfase = 0;
-    horaSalida = basic::fitFixed(QString(), 5);
-    tempsPrimer.clear();
+    race.setInicio(0);
+    race.setDesfase(0);
+    race.setHoraSalida(basic::fitFixed(QString(), 5));
+    race.setTempsPrimer(QString());
 
     // Lines 1-4 of the state file; a value whose line could not be read keeps the above.
-    // A race recovered from the journal is taken as recovered, wherever its save could go.
-    restored = recoveredLabels ? statefile::Restored{recoveredLabels->state, 8, true}
-                               : statefile::read(carpeta + QLatin1String(statefile::fileName));
+    restored = session.readSaved();
     const RaceState& saved = restored->state;
     const int lines = restored->headerLines;
     if (lines >= 1)
-        inicio = saved.inicio;
+        race.setInicio(saved.inicio);
     if (lines >= 2)
-        desfase = saved.desfase;
+        race.setDesfase(saved.desfase);
     if (lines >= 3)
-        horaSalida = saved.horaSalida;
+        race.setHoraSalida(saved.horaSalida);
     if (lines >= 4)
-        tempsPrimer = saved.tempsPrimer;
+        race.setTempsPrimer(saved.tempsPrimer);
 
-    if (op2[0]->isChecked()) {
-        if (tempsPrimer.isEmpty())
-            tempsPrimer = timevalue::clockTemplate(TimeFormat::Segundos);
-        Label4->setText(basic::left(tempsPrimer, 8));
-    } else if (op2[1]->isChecked()) {
-        if (tempsPrimer.isEmpty())
-            tempsPrimer = timevalue::clockTemplate(TimeFormat::Centesimas);
-        Label4->setText(basic::left(tempsPrimer, 11));
-    } else if (op2[2]->isChecked()) {
-        if (tempsPrimer.isEmpty())
-            tempsPrimer = timevalue::clockTemplate(TimeFormat::Milesimas);
-        Label4->setText(tempsPrimer);
+    const TimeFormat formats[] = {TimeFormat::Segundos, TimeFormat::Centesimas,
+                                  TimeFormat::Milesimas};
+    const int format = checkedFormat();
+    if (format >= 0) {
+        if (race.state().tempsPrimer.isEmpty())
+            race.setTempsPrimer(timevalue::clockTemplate(formats[format]));
+        race.setFirst(resultline::cutTime(race.state().tempsPrimer, formats[format],
+                                          resultline::Target::List1));
     }
 
-    if (inicio > 0) {
+    if (race.running()) {
         // The race was running when it was saved: it goes on running.
-        anchorRun();
+        session.anchorRun();
         Timer1->start();
         Command1[0]->setVisible(false);
         Command1[1]->setVisible(true);
         Command2[0]->setVisible(false);
         Command2[1]->setVisible(false);
         Command4->setVisible(false);
-        if (basic::left(Label4->text(), 8) != QLatin1String("00:00:00")) {
+        if (basic::left(race.record().label4, 8) != QLatin1String("00:00:00")) {
             Label4->setEnabled(true);
             look::setColours(Label4, look::darkRed, Qt::white);
             Label7->setEnabled(true);
@@ -161,28 +146,30 @@ void FormMarvolendo::Form_Load()
     }
 
     if (lines >= 7)
-        formato = saved.formato;
+        race.setFormato(saved.formato);
     if (lines >= 8)
-        modoCaptura = saved.modoCaptura;
-    if (number(modoCaptura) == 1)
+        race.setModoCaptura(saved.modoCaptura);
+    if (number(race.state().modoCaptura) == 1)
         Image1->setVisible(true);
     recuperar();
 
     // The next finish continues the numbering of the restored list, and the last finisher's
     // labels show the last restored line.
     const QStringList& finishes = race.list1();
-    Label2->setText(basic::digits(double(finishes.size())));
+    race.setRank(basic::digits(double(finishes.size())));
     if (!finishes.isEmpty()) {
         const std::optional<QString> time = resultline::list1Time(finishes.last());
         if (time && !time->isEmpty()) {
-            Label5->setText(*time);
-            Label8->setText(resultline::list1Difference(finishes.last()).value_or(QString()));
+            race.setLast(*time);
+            race.setLastDifference(
+                resultline::list1Difference(finishes.last()).value_or(QString()));
         }
     }
 }
 
 void FormMarvolendo::recuperar()
 {
+    const Race::Batch batch(race);
     // The lists come back only from the state file read at start-up; at any other time no file
     // is open and the results lists are simply emptied (List2 keeps its lines).
     if (restored) {
@@ -192,17 +179,17 @@ void FormMarvolendo::recuperar()
     } else {
         // The results are about to be emptied: the race with them is kept first.
         if (!race.list1().isEmpty() || !race.combo1().isEmpty())
-            keepCurrentRace();
+            session.keepCurrent();
         race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
     }
 
-    const double format = number(formato);
+    const double format = number(race.state().formato);
     for (int i = 0; i < 3; ++i) {
         if (format == i)
             op2[i]->setChecked(true);
     }
 
-    const double mode = number(modoCaptura);
+    const double mode = number(race.state().modoCaptura);
     if (mode == 0) {
         opp2->setChecked(true);
         opp2_Click();
@@ -226,13 +213,13 @@ void FormMarvolendo::recuperar()
     if (Combo1->count() > 0)
         Combo1->setCurrentIndex(Combo1->count() - 1);
 
-    if (inicio == 0) {
+    if (!race.running()) {
         const TimeFormat zero = format == 0   ? TimeFormat::Segundos
                                 : format == 1 ? TimeFormat::Centesimas
                                               : TimeFormat::Milesimas;
         if (format == 0 || format == 1 || format == 2) {
-            Label4->setText(timevalue::clockTemplate(zero));
-            Label7->setText(timevalue::shortTemplate(zero));
+            race.setFirst(timevalue::clockTemplate(zero));
+            session.setDifference(timevalue::shortTemplate(zero));
         }
     }
 
@@ -242,23 +229,20 @@ void FormMarvolendo::recuperar()
     for (QAction* a : op2)
         a->setEnabled(false);
     opp4->setEnabled(false);
-    if (inicio == 0 && mode != 2) {
+    if (!race.running() && mode != 2) {
         for (QAction* a : op2)
             a->setEnabled(true);
         opp2->setEnabled(true);
         opp4->setEnabled(true);
         opp22->setEnabled(true);
     }
-    if (inicio != 0) {
-        if (op2[0]->isChecked()) {
-            Label4->setText(basic::left(tempsPrimer, 8));
-            look::setPointSize(List1, 11);
-        } else if (op2[1]->isChecked()) {
-            Label4->setText(basic::left(tempsPrimer, 11));
-            look::setPointSize(List1, 9);
-        } else if (op2[2]->isChecked()) {
-            Label4->setText(tempsPrimer);
-            look::setPointSize(List1, 9);
+    if (race.running()) {
+        const int checked = checkedFormat();
+        if (checked >= 0) {
+            race.setFirst(resultline::cutTime(race.state().tempsPrimer,
+                                              static_cast<TimeFormat>(checked),
+                                              resultline::Target::List1));
+            look::setPointSize(List1, checked == 0 ? 11 : 9);
         }
     }
 
@@ -277,59 +261,19 @@ void FormMarvolendo::runningColours()
         look::setColours(w, look::lightYellow, look::windowText());
 }
 
-RaceState FormMarvolendo::currentState() const
-{
-    RaceState s;
-    s.inicio = inicio;
-    s.desfase = desfase;
-    s.horaSalida = horaSalida;
-    s.tempsPrimer = tempsPrimer;
-    s.label5 = Label5->text();
-    s.label8 = Label8->text();
-    s.formato = formato;
-    s.modoCaptura = modoCaptura;
-    s.combo1 = race.combo1();
-    s.list1 = race.list1();
-    s.list2 = race.list2();
-    return s;
-}
-
 bool FormMarvolendo::guardarEstado()
 {
-    const statefile::SaveResult result =
-        statefile::save(currentState(), carpeta + QLatin1String(statefile::fileName),
-                        paths::local(QLatin1String(statefile::fallbackPath)));
-    if (result.outcome != statefile::SaveOutcome::Failed)
-        stateFileInUse = result.outcome == statefile::SaveOutcome::Primary
-                             ? carpeta + QLatin1String(statefile::fileName)
-                             : paths::local(QLatin1String(statefile::fallbackPath));
-    if (result.outcome == statefile::SaveOutcome::Failed) {
-        avisar(QStringLiteral("No se pudo guardar la carrera en %1 (%2) ni en %3 (%4). "
-                              "Los tiempos siguen en pantalla: no cierre el programa.")
-                   .arg(QLatin1String(statefile::fileName), result.primaryError,
-                        paths::local(QLatin1String(statefile::fallbackPath)),
-                        result.fallbackError));
-        return false;
-    }
-    return true;
+    return session.save();
 }
 
 void FormMarvolendo::Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift)
 {
     Q_UNUSED(shift);
     if (keyCode == 112 || keyCode == 114) {
-        recordFinish();
+        Command3_Click();
         Text1->setText(QString());
         guardarSalidas();
     }
-}
-
-void FormMarvolendo::recordFinish()
-{
-    // Stamp the finish with the time of this moment, not of the last redraw.
-    if (Timer1->isActive())
-        tempsMarvo(inicio, tempsActual);
-    Command3_Click();
 }
 
 void FormMarvolendo::Command8_Click()
@@ -339,8 +283,7 @@ void FormMarvolendo::Command8_Click()
 
 void FormMarvolendo::Command5_Click()
 {
-    guardarEstado();
-    journal.markClean();
+    session.end();
     emit terminar();
 }
 
@@ -349,43 +292,36 @@ void FormMarvolendo::closeEvent(QCloseEvent* event)
     // Closing the window ends the program without saving. When the state file holds the race
     // as it stands, that is a normal end; otherwise the journal is left as after an abnormal
     // end, so that the next start offers to bring the changes back.
-    QFile saved(stateFileInUse.isEmpty() ? carpeta + QLatin1String(statefile::fileName)
-                                         : stateFileInUse);
-    if (saved.open(QIODevice::ReadOnly) && saved.readAll() == statefile::encode(currentState()))
-        journal.markClean();
+    if (session.saved())
+        session.journal().markClean();
     event->accept();
 }
 
-namespace
+void FormMarvolendo::offerRecovery()
 {
-
-// A notice under the row of "Lap" (the clock, Start and Stop and "Lap" stay in sight), or
-// under the other notice when that one is up.
-void showNotice(QLabel* notice, const QString& text, int top)
-{
-    QWidget* area = notice->parentWidget();
-    notice->setText(text);
-    const int h = notice->heightForWidth(area->width() - 8);
-    notice->setGeometry(4, top, area->width() - 8, qMax(h, 24));
-    notice->raise();
-    notice->show();
+    const std::optional<JournalKeeper::Unfinished> found = session.journal().unfinished();
+    if (!found)
+        return;
+    const QString text =
+        QStringLiteral("El programa no terminó normalmente. El diario de la carrera guarda "
+                       "%1 cambios que no están en MARVO.dat (%2 llegadas en la lista).\n\n"
+                       "¿Recuperar la carrera tal como estaba?")
+            .arg(found->contents.changes)
+            .arg(found->contents.record.state.list1.size());
+    if (dialogs.ask(this, QStringLiteral("Recuperar la carrera"), text) == Dialogs::Yes)
+        session.recover(*found);
+    else
+        session.setAside(*found);
 }
-
-} // namespace
 
 void FormMarvolendo::avisar(const QString& text)
 {
-    const int top = avisoDiario->isHidden() ? Command3->geometry().bottom() + 4
-                                            : avisoDiario->geometry().bottom() + 2;
-    showNotice(aviso, text, top);
-    avisoTimer->start();
+    notices->show(text);
 }
 
 void FormMarvolendo::avisoFijo(const QString& text)
 {
-    showNotice(avisoDiario, text, Command3->geometry().bottom() + 4);
-    if (!aviso->isHidden())
-        aviso->move(aviso->x(), avisoDiario->geometry().bottom() + 2);
+    notices->keep(text);
 }
 
 bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
@@ -395,30 +331,8 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
             List1_DblClick();
         return false;
     }
-    if (watched == List1) {
-        // The bib checks' counts stand under the list wherever a layout puts it.
-        switch (event->type()) {
-        case QEvent::Move:
-        case QEvent::Resize:
-        case QEvent::ShowToParent:
-        case QEvent::HideToParent:
-            placeBibStatus();
-            break;
-        default:
-            break;
-        }
-        return false;
-    }
-    if (watched == asignarDorsal) {
-        if (event->type() == QEvent::FocusIn) {
-            bibFieldGotFocus(asignarDorsal);
-            return false;
-        }
-        if (event->type() != QEvent::KeyPress)
-            return false;
-    }
     const bool first = watched == Text1;
-    if (!first && watched != Text2 && watched != asignarDorsal)
+    if (!first && watched != Text2)
         return QMainWindow::eventFilter(watched, event);
 
     switch (event->type()) {
@@ -451,17 +365,6 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
     if (code == 0)
         return true; // a character outside the code page is swallowed
     const int typed = code;
-    if (watched == asignarDorsal) {
-        // The bibs window's field: the bib fields' filter, Enter gives the bib.
-        bibFieldKeyPress(asignarDorsal, code);
-        if (enterCampo == 1)
-            assignBib();
-        if (code != 0 && code != 13 && code != typed) {
-            asignarDorsal->insert(QString(cp1252::character(code)));
-            return true;
-        }
-        return code == 0 || typed == 13;
-    }
     first ? Text1_KeyPress(code) : Text2_KeyPress(code);
     if (code != 0 && code != 13 && code != typed) {
         // The filter changed the key (upper case, say): type the changed character instead.

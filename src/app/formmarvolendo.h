@@ -1,34 +1,33 @@
-// The stopwatch window. It holds the whole race for the life of the process: a handful of
-// window-level values and, above all, the lines of List1, Combo1 and List2, which are the race
-// record itself. Every operation is the handler of one event of one control; the handlers of
-// each subsystem are defined beside that subsystem's logic:
+// The stopwatch window. It shows the race of a race session and takes the operator's clicks and
+// keys: every operation is the handler of one event of one control. The handlers of each
+// subsystem are defined beside that subsystem's logic:
 //   src/app      start-up, restore, the state file, clearing, the compact window
 //   src/chrono   run control, the clock tick, the time-format and capture-mode options
 //   src/results  recording a finish, the list handlers
 //   src/entry    the bib fields
 //   src/files    results files, start-order import, the readings database link
+// What the program adds to the old window is each a class of its own, given the window's
+// controls and the session: the notices, the armed start, the finish editor, the results
+// publisher and the archive window.
 #pragma once
 
-#include "app/core/archive.h"
-#include "app/core/journal.h"
-#include "app/core/race.h"
-#include "app/core/racestate.h"
-#include "app/core/statefile.h"
+#include "app/core/racesession.h"
 #include "app/dialogs.h"
-#include "chrono/core/startat.h"
 #include "entry/core/entrada.h"
-#include "results/core/entrants.h"
-#include "results/core/finishedit.h"
 
 #include <QMainWindow>
 #include <QString>
 #include <QTime>
-#include <QUndoStack>
 
 #include <memory>
 #include <optional>
 
+class ArchiveWindow;
+class ArmedStart;
 class Clock;
+class FinishEditor;
+class Notices;
+class ResultsPublisher;
 class Sound;
 class QAction;
 class QComboBox;
@@ -115,17 +114,17 @@ private:
     void Text2_DblClick();
     void Text2_LostFocus();
 
-    // Window-level values of the race.
-    double inicio = 0;
-    double desfase = 0;
-    QString horaSalida;
-    QString intervalo;
-    QString tempsActual;
-    QString tempsPrimer;
-    QString tempsText;
-    Variant formato = 2.0;
-    Variant modoCaptura;
+    // The folder of MARVO.dat: the current folder.
     QString carpeta;
+    // The race: every value of it lives in the session's model, which the controls show.
+    RaceSession session;
+    Race& race;
+    void showChange(const RaceChange& change);
+    void showRestored();
+    void showCaptions();
+
+    // Values of the window alone.
+    QString intervalo;
     int respuesta = 0;
     qint16 errores = 0;
     // The field that has the focus, as the keystroke filter sees it.
@@ -137,13 +136,6 @@ private:
 
     // The lists read from the state file at start-up, put back by the first recuperar.
     std::optional<statefile::Restored> restored;
-
-    // The race record: List1, Combo1 and List2 show its lines (results/lists.cpp). Changes the
-    // operator can take back go through the undo stack.
-    Race race;
-    QUndoStack undoStack;
-    void showChange(const RaceChange& change);
-    void showRestored();
 
     // Controls, named as the operator's manual and the handlers know them.
     QPushButton* Command1[2] = {};
@@ -186,9 +178,6 @@ private:
     QLabel* Image1 = nullptr;
     AdoDataControl* Adodc1 = nullptr;
     FileRequest CommonDialog1;
-    QLabel* aviso = nullptr;
-    QLabel* avisoDiario = nullptr; // stays while the journal cannot be written
-    QTimer* avisoTimer = nullptr;
     QTimer* guardadoTimer = nullptr;
 
     QMenu* op1 = nullptr;
@@ -202,109 +191,22 @@ private:
 
     std::unique_ptr<readings::ReadingsLink> conexion;
 
-    // The menu "Carrera" and the option "Pitidos de salida".
+    // The menu "Carrera" and the option "Pitidos de salida", and what the program adds.
     QMenu* carrera = nullptr;
     QAction* salidaHora = nullptr;
     QAction* pitidos = nullptr;
     void buildRaceMenu();
-
-    // Every race kept (archiving.cpp).
-    QDialog* carrerasVentana = nullptr;
-    class QTableWidget* carrerasLista = nullptr;
-    QList<archive::Kept> carrerasGuardadas;
-    QString archiveFolder() const;
-    void keepRace(const RaceState& raceToKeep);
-    void keepCurrentRace();
-    void showPastRaces();
-    const archive::Kept* chosenPastRace();
-    void exportPastRace();
-    void recoverPastRace();
-    void aboutMarvolendo();
-    // Where the last save of the race went: the state file beside the program's folder, or
-    // the fallback.
-    QString stateFileInUse;
-
-    // The running time comes from the monotonic clock, anchored to the wall clock when the
-    // race starts or resumes (startclock.cpp).
-    double anchorElapsed = 0; // seconds run at the anchor
-    double anchorMono = 0;    // the monotonic clock at the anchor
-    QString primerRead;       // tempsPrimer as the tick last read it, and its hours
-    double primerHours = 0;
-    void anchorRun();
-    void startRun(double startTimer, const QTime& startTime);
-    // A start armed for a time of day: the monotonic moment it starts, and that time.
-    std::optional<double> armedMono;
-    QTime armedTime;
-    QTimer* armTimer = nullptr;
-    void startAtTimeOfDay();
-    void armedTick();
-    void cancelArmedStart();
-    // The beeps of the last seconds before the selected start.
-    Sound* sound = nullptr;
-    CountdownBeeps beeps;
-    int beepsRow = -1;
-    bool soundMissingShown = false;
-    QTimer* beepTimer = nullptr;
-    void countdownBeeps(std::optional<double> remainingSeconds);
-
-    // Editing the results after the fact (results/finishedit.cpp): bibs given in arrival
-    // order, a false finish removed, a missed one added, each undoable; the bib checks.
-    QAction* asignar = nullptr;
-    QAction* borrar = nullptr;
-    QAction* anadir = nullptr;
-    QAction* deshacer = nullptr;
-    QDialog* asignarVentana = nullptr;
-    QLabel* asignarSiguiente = nullptr;
-    QLabel* asignarPendientes = nullptr;
-    QLineEdit* asignarDorsal = nullptr;
-    QLabel* estadoDorsales = nullptr;
-    finishedit::BibChecks bibChecks;
-    void buildEditing();
-    void openAssignBibs();
-    void assignBib();
-    void showNextWithoutBib();
-    int nextWithoutBib() const;
-    void removeFinish();
-    void addFinish();
-    void pushEdit(const RaceChange& redo, const RaceChange& undo, const QString& text,
-                  bool firstMayChange);
-    void settleEdit(bool firstMayChange);
-    void relabel(bool firstMayChange);
-    RaceChange withCaptions(RaceChange change) const;
-    void checkBibs(const RaceChange& change);
-    void recheckAllBibs();
-    void showBibCounts();
-    void colourBibLine(int row);
-    void placeBibStatus();
-
-    // The entrants and the results people read (results/publishing.cpp). The entrants and the
-    // race name are kept beside the state file and go with the race when it is cleared.
-    QList<entrants::Entrant> inscritos;
-    QString nombreCarrera;
-    QString besideState(const char* name) const;
-    void loadEntrants();
-    void reloadEntrants();
-    bool hasEntrants() const;
-    void forgetEntrants();
-    void publishResults();
-    class QThread* resultsThread = nullptr; // drawing and writing the results files
-
-    // The finish journal (journalling.cpp): each change of the race record is written as it
-    // is made; a change of the window-level values writes a whole snapshot.
-    Journal journal;
-    std::optional<RaceRecord> recoveredLabels;
+    Notices* notices = nullptr;
+    ArmedStart* armedStart = nullptr;
+    FinishEditor* finishEditor = nullptr;
+    ResultsPublisher* publisher = nullptr;
+    ArchiveWindow* archiveWindow = nullptr;
+    // After an abnormal end the journal may hold finishes the state file lacks.
     void offerRecovery();
-    void startJournal();
-    void journalChange(const RaceChange& change);
-    void appendToJournal(const QByteArray& entry);
-    void repairJournal();
-    QString fallbackJournalPath() const;
-    bool journalBroken = false;
-    QTimer* journalRetry = nullptr;
-    void journalSnapshot();
-    RaceRecord currentRecord() const;
+    void startRun(double startTimer, const QTime& startTime);
     Clock& clock;
     Dialogs& dialogs;
+    Sound* sound = nullptr;
 
     // Building the window (formlayout.cpp).
     void buildControls();
@@ -314,18 +216,15 @@ private:
     // Helpers shared by the handlers.
     void guardarSalidas();
     std::unique_ptr<class LatestWriter> startTimesWriter;
-    void startTimesWritten(const QString& message);
-    void recordFinish(); // a fresh tick, then the Lap: a finish is stamped when it arrives
     void rewriteCorrectedLine();
+    QString lineToCorrect; // the List1 line Label14 shows
     void bibFieldGotFocus(QLineEdit* field);
     void bibFieldKeyPress(QLineEdit* field, int& keyAscii);
     void runningColours();
-    int checkedFormat() const;
-    QList<QWidget*> bibsOnlyHidden() const; // index of the first checked op2 entry, -1 when none
-    RaceState currentState() const;
+    int checkedFormat() const; // index of the first checked op2 entry, -1 when none
+    QList<QWidget*> bibsOnlyHidden() const;
     void placeClock(bool wholeSeconds); // the clock's width for the format, and its stacking
+    // The window's size in twips; a negative value keeps that side as it is.
     void setFormTwips(int widthTwips, int heightTwips);
-    void setFormWidthTwips(int widthTwips);
-    void setFormHeightTwips(int heightTwips);
     void placeSheet(bool bibsOnly);
 };

@@ -58,23 +58,23 @@ void FormMarvolendo::op2_Click(int index)
     if (skip == 1)
         return;
 
-    if (Command1[1]->isHidden() && Label1->text() != zeroClock) {
+    if (Command1[1]->isHidden() && session.clockCaption() != zeroClock) {
         respuesta = dialogs.confirm(this, formatTitle, formatWarning);
         if (respuesta == Dialogs::Cancel) {
             // The format in use is checked again; the clicked entry stays checked as well.
             errores = 1;
-            if (QAction* current = formatEntry(op2, formato))
+            if (QAction* current = formatEntry(op2, race.state().formato))
                 current->setChecked(true);
             return;
         }
     }
 
-    formato = double(checkedFormat());
-    if (inicio == 0)
+    race.setFormato(double(checkedFormat()));
+    if (!race.running())
         Command4_Click();
 
     // The whole-seconds clock also covers the place of the fraction label.
-    placeClock(number(formato) == 0);
+    placeClock(number(race.state().formato) == 0);
 
     switch (checkedFormat()) {
     case 0:
@@ -99,11 +99,11 @@ void FormMarvolendo::opp2_Click()
 {
     opp2->setChecked(!opp2->isChecked());
 
-    if (Label1->text() != zeroClock) {
+    if (session.clockCaption() != zeroClock) {
         respuesta = dialogs.confirm(this, formatTitle, formatWarning);
         if (respuesta == Dialogs::Cancel) {
             // The toggle stays; the format entry in use is checked again instead.
-            if (QAction* current = formatEntry(op2, formato))
+            if (QAction* current = formatEntry(op2, race.state().formato))
                 current->setChecked(true);
             return;
         }
@@ -117,17 +117,17 @@ void FormMarvolendo::opp2_Click()
         look::setPointSize(Combo1, 9);
         Command3->setVisible(false);
         Text1->setVisible(true);
-        modoCaptura = 1.0;
+        race.setModoCaptura(1.0);
         for (QWidget* w : {static_cast<QWidget*>(Label15), static_cast<QWidget*>(Label16),
                            static_cast<QWidget*>(List1), static_cast<QWidget*>(Text2)})
             w->setVisible(true);
         Label14->setVisible(false);
         Combo1->setVisible(false);
-        setFormWidthTwips(layouts::bibsAndTimesWidth);
+        setFormTwips(layouts::bibsAndTimesWidth, -1);
         Command6->setToolTip(texts::tipThreeFiles);
         Image1->setVisible(true);
     } else {
-        modoCaptura = 0.0;
+        race.setModoCaptura(0.0);
         Command3->setVisible(true);
         Text1->setVisible(false);
         look::setWidth(Command3, layouts::lapButtonWidth);
@@ -136,7 +136,7 @@ void FormMarvolendo::opp2_Click()
                            static_cast<QWidget*>(Text2)})
             w->setVisible(false);
         Combo1->setVisible(true);
-        setFormWidthTwips(layouts::lapWidth);
+        setFormTwips(layouts::lapWidth, -1);
         Command6->setToolTip(texts::tipLapMode);
         move(look::px(layouts::lapLeft), y());
         Image1->setVisible(false);
@@ -152,7 +152,7 @@ void FormMarvolendo::opp22_Click()
         for (QAction* a : op2)
             a->setEnabled(true);
         opp4->setEnabled(true);
-        modoCaptura = 0.0;
+        race.setModoCaptura(0.0);
         Command4_Click();
     } else {
         opp22->setChecked(true);
@@ -161,13 +161,13 @@ void FormMarvolendo::opp22_Click()
         for (QAction* a : op2)
             a->setEnabled(false);
         opp4->setEnabled(false);
-        modoCaptura = 2.0;
+        race.setModoCaptura(2.0);
     }
 
     // The answer tested is that of the last box the window showed, whichever it was.
     if (respuesta == Dialogs::Cancel) {
         opp22->setChecked(true);
-        modoCaptura = 0.0;
+        race.setModoCaptura(0.0);
         return;
     }
 

@@ -3,6 +3,7 @@
 #include "app/look.h"
 #include "app/texts.h"
 #include "base/basic.h"
+#include "chrono/armedstart.h"
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
 #include "results/core/resultline.h"
@@ -28,9 +29,9 @@ void FormMarvolendo::Command1_Click(int index)
     if (index == 0) {
         startRun(clock.timer(), clock.timeOfDay());
     } else if (index == 1) {
-        if (armedMono) {
+        if (armedStart->armed()) {
             // Stop before an armed start only takes the start back.
-            cancelArmedStart();
+            armedStart->cancel();
             return;
         }
         Command1[1]->setVisible(false);
@@ -44,14 +45,11 @@ void FormMarvolendo::Command1_Click(int index)
         look::setBack(Text1, look::lightGrey);
         Text1->setEnabled(false);
         ProgressBar1->setValue(0);
-        inicio = 0;
-        desfase = 0;
-        horaSalida = basic::fitFixed(QStringLiteral("0"), 5);
+        session.stop();
         for (QAction* a : op2)
             a->setEnabled(true);
         opp2->setEnabled(true);
         opp22->setEnabled(true);
-        journalSnapshot();
     }
 }
 
@@ -61,77 +59,58 @@ void FormMarvolendo::startRun(double startTimer, const QTime& startTime)
 {
     Command1[0]->setVisible(false);
     Command1[1]->setVisible(true);
-    // The run resumes from the displayed whole seconds.
-    if (Label1->text() != zeroClock)
-        desfase = timevalue::decimalMil(Label1->text());
     Timer1->start();
-    inicio = startTimer;
-    if (inicio == 0)
-        inicio = 1e-6; // exactly midnight: 0 would read as a stopped clock
-    anchorRun();
-    const double timeOfDay = timevalue::decimalMil(startTime.toString(QStringLiteral("hh:mm:ss")));
-    tempsActual = timevalue::tempsexaMil(timeOfDay - desfase);
-    horaSalida = basic::fitFixed(basic::left(basic::left(tempsActual, 8), 5), 5);
-    guardarEstado();
+    session.start(startTimer, startTime);
     marcar();
     for (QAction* a : op2)
         a->setEnabled(false);
-    if (number(modoCaptura) == 0)
+    if (number(race.state().modoCaptura) == 0)
         Command3->setFocus();
     else
         Text1->setFocus();
     opp2->setEnabled(false);
     opp22->setEnabled(false);
     runningColours();
-    journalSnapshot();
 }
 
 void FormMarvolendo::Command2_Click(int index)
 {
+    const QString& shown = race.record().label1;
     if (index == 0) {
-        const double t = timevalue::decimalMil(Label1->text()) +
-                         timevalue::decimalMil(QStringLiteral("00:01:00"));
-        Label1->setText(basic::left(timevalue::tempsexaMil(t), 8));
-        journalSnapshot();
+        const double t =
+            timevalue::decimalMil(shown) + timevalue::decimalMil(QStringLiteral("00:01:00"));
+        race.setClock(basic::left(timevalue::tempsexaMil(t), 8));
     } else if (index == 1) {
         // The guard compares eight characters with a nine-character text, so it never blocks:
         // the clock can be moved below zero.
-        if (basic::left(Label1->text(), 8) != QLatin1String("00:00:000")) {
-            const double t = timevalue::decimalMil(Label1->text()) -
-                             timevalue::decimalMil(QStringLiteral("00:01:000"));
-            Label1->setText(basic::left(timevalue::tempsexaMil(t), 8));
-            journalSnapshot();
+        if (basic::left(shown, 8) != QLatin1String("00:00:000")) {
+            const double t =
+                timevalue::decimalMil(shown) - timevalue::decimalMil(QStringLiteral("00:01:000"));
+            race.setClock(basic::left(timevalue::tempsexaMil(t), 8));
         }
     }
 }
 
 void FormMarvolendo::Timer1_Timer()
 {
-    tempsMarvo(inicio, tempsActual);
+    QString temps;
+    tempsMarvo(race.state().inicio, temps);
 }
 
 void FormMarvolendo::Timer2_Timer()
 {
+    // The caption only changes once a minute: an equal text is no change to the menu.
     const QString now = clock.timeOfDay().toString(QStringLiteral("hh:mm:ss"));
-    if (basic::left(now, 5) != basic::right(hhora->text(), 5))
-        hhora->setText(QStringLiteral("Hora actual : ") + basic::left(now, 5));
+    hhora->setText(QStringLiteral("Hora actual : ") + basic::left(now, 5));
 }
 
 void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
 {
     if (tempsInicial == 0)
         return;
-    // The monotonic clock since the anchor: a step of the system time moves nothing.
-    const double elapsed =
-        (anchorElapsed + clock.monotonic() - anchorMono) / timevalue::secondsPerHour;
-    const double running = elapsed + desfase;
-    temps = timevalue::tempsexaMil(running);
-    // The first finisher's time changes only with a finish or an edit: read once a change.
-    if (tempsPrimer != primerRead) {
-        primerRead = tempsPrimer;
-        primerHours = timevalue::decimalMil(tempsPrimer);
-    }
-    const double ref = primerHours;
+    session.readClock();
+    temps = session.tempsActual();
+    const double running = session.hours();
     const int format = checkedFormat();
 
     // Countdown to the selected start of the start order.
@@ -155,12 +134,6 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
         }
     }
 
-    if (ref > 0) {
-        tempsText = timevalue::tempsexaMil(running - ref);
-        if (number(modoCaptura) != 1 && format >= 0)
-            Label7->setText(basic::mid(
-                tempsText, 2, timevalue::differenceWidth(static_cast<TimeFormat>(format))));
-    }
     Label1->setText(basic::left(temps, 8));
     if (format == 0)
         Label6->setText(QString());
@@ -170,19 +143,21 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
         Label6->setText(basic::mid(temps, 10, 3));
     ProgressBar1->setValue(static_cast<int>(basic::val(basic::mid(temps, 7, 2))));
     Label3->setText(basic::right(temps, 3));
-    countdownBeeps(toStart);
+    armedStart->countdown(toStart);
 }
 
 void FormMarvolendo::controles()
 {
-    if (Label1->text() != zeroClock)
+    if (race.record().label1 != zeroClock)
         return;
-    Label1->setText(zeroClock);
+    const Race::Batch batch(race);
+    race.setClock(zeroClock);
     const int format = checkedFormat();
     if (format < 0)
         return;
     const auto f = static_cast<TimeFormat>(format);
-    Label4->setText(timevalue::clockTemplate(f));
-    for (QLabel* l : {Label7, Label5, Label8})
-        l->setText(timevalue::shortTemplate(f));
+    race.setFirst(timevalue::clockTemplate(f));
+    session.setDifference(timevalue::shortTemplate(f));
+    race.setLast(timevalue::shortTemplate(f));
+    race.setLastDifference(timevalue::shortTemplate(f));
 }

@@ -2,7 +2,6 @@
 // of the List1 line copied into Label14.
 #include "app/formmarvolendo.h"
 #include "app/look.h"
-#include "app/racecommand.h"
 #include "entry/core/entrada.h"
 #include "results/core/resultline.h"
 
@@ -71,7 +70,7 @@ void FormMarvolendo::Text1_KeyPress(int& keyAscii)
 {
     bibFieldKeyPress(Text1, keyAscii);
     if (enterCampo == 1) {
-        recordFinish();
+        Command3_Click();
         Text1->setText(QString());
     }
 }
@@ -115,7 +114,7 @@ void FormMarvolendo::rewriteCorrectedLine()
 {
     // The line is found by the rank printed in it: line k of List1 is the finisher of rank
     // k + 1. A line that cannot be placed leaves the list, Label14 and Text2 as they are.
-    const std::optional<QString> line = resultline::rewriteBib(Label14->text(), Text2->text());
+    const std::optional<QString> line = resultline::rewriteBib(lineToCorrect, Text2->text());
     if (!line) {
         avisar(QStringLiteral("No se puede corregir: no hay ninguna línea de la lista elegida"));
         return;
@@ -126,10 +125,10 @@ void FormMarvolendo::rewriteCorrectedLine()
                    .arg(resultline::rankText(*line)));
         return;
     }
-    Label14->setText(*line);
-    undoStack.push(new RaceCommand(race, RaceChange::bib(index, *line),
-                                   RaceChange::bib(index, race.list1()[index]),
-                                   QStringLiteral("Corregir el dorsal")));
+    lineToCorrect = *line;
+    Label14->setText(lineToCorrect);
+    session.perform(raceedits::bibCorrection(race.record(), index, *line));
     Text2->setText(QString());
+    lineToCorrect.clear();
     Label14->setText(QString());
 }

@@ -56,12 +56,6 @@ void FormMarvolendo::guardarSalidas()
         exports::startTimesFile(exportSource(race, opp2->isChecked(), checkedFormat())));
 }
 
-void FormMarvolendo::startTimesWritten(const QString& message)
-{
-    if (!message.isEmpty())
-        avisar(QStringLiteral("%1. La llegada ha quedado registrada.").arg(message));
-}
-
 void FormMarvolendo::Command7_Click()
 {
     CommonDialog1.title = QStringLiteral(

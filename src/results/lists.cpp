@@ -1,8 +1,11 @@
-// List1, Combo1 and List2 show the lines of the race record: every change of the record
-// reaches them here, and nowhere else are their lines set.
+// The window shows the race: every change of it reaches the lists and the captions here, and
+// nowhere else are their lines and captions set.
 #include "app/formmarvolendo.h"
+#include "chrono/armedstart.h"
+#include "results/finisheditor.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QListWidget>
 #include <QSignalBlocker>
 
@@ -78,13 +81,13 @@ void FormMarvolendo::showChange(const RaceChange& c)
             List1->addItem(c.list1Line);
             // The line's colour first: a change of an item after the list has been laid out
             // would have it laid out again, all ten thousand lines, when it is drawn.
-            checkBibs(c);
+            finishEditor->showChecks(c);
             showLast(List1);
             Combo1->addItem(c.combo1Line);
             showLast(Combo1);
-            return;
         }
-        break;
+        showCaptions();
+        return;
     case Kind::Bib:
         List1->item(c.index)->setText(c.list1Line);
         break;
@@ -105,13 +108,13 @@ void FormMarvolendo::showChange(const RaceChange& c)
     case Kind::ResultsEmptied:
         Combo1->clear();
         List1->clear();
-        // What could be taken back belongs to the race that is gone.
-        undoStack.clear();
         break;
     case Kind::Captions:
-        break;
+    case Kind::Values:
+        showCaptions();
+        return;
     }
-    checkBibs(c);
+    finishEditor->showChecks(c);
 }
 
 void FormMarvolendo::showRestored()
@@ -122,6 +125,18 @@ void FormMarvolendo::showRestored()
     List1->addItems(race.list1());
     List2->clear();
     List2->addItems(race.list2());
-    undoStack.clear();
-    recheckAllBibs();
+    finishEditor->showAllChecks();
+}
+
+// The captions the race keeps: the rank counter, the first and the last finisher, and the
+// clock while it stands (a running or armed clock is drawn by its tick).
+void FormMarvolendo::showCaptions()
+{
+    const RaceRecord& r = race.record();
+    Label2->setText(r.label2);
+    Label4->setText(r.label4);
+    Label5->setText(r.state.label5);
+    Label8->setText(r.state.label8);
+    if (!race.running() && !armedStart->armed())
+        Label1->setText(r.label1);
 }

@@ -254,6 +254,8 @@ QByteArray encodeChange(const RaceChange& c)
         return entry('D', {QString::number(c.index)});
     case Kind::Captions:
         return entry('L', {c.label2, c.tempsPrimer, c.label4, c.label5, c.label8});
+    case Kind::Values:
+        break;
     }
     return {};
 }
@@ -261,24 +263,6 @@ QByteArray encodeChange(const RaceChange& c)
 QByteArray encodeClean()
 {
     return entry('E', {});
-}
-
-bool applyChange(RaceRecord& r, const RaceChange& c)
-{
-    RaceState& s = r.state;
-    RaceLines lines{std::move(s.combo1), std::move(s.list1), std::move(s.list2)};
-    const bool applied = ::applyChange(lines, c);
-    s.combo1 = std::move(lines.combo1);
-    s.list1 = std::move(lines.list1);
-    s.list2 = std::move(lines.list2);
-    if (c.kind == RaceChange::Kind::Finish || c.kind == RaceChange::Kind::Captions) {
-        r.label2 = c.label2;
-        s.tempsPrimer = c.tempsPrimer;
-        r.label4 = c.label4;
-        s.label5 = c.label5;
-        s.label8 = c.label8;
-    }
-    return applied;
 }
 
 Contents decode(QByteArrayView bytes)
@@ -323,7 +307,7 @@ Contents decode(QByteArrayView bytes)
         if (!change)
             continue;
         // A change that does not fit the lines (a line past the end) is left out.
-        applyChange(c.record, *change);
+        ::applyChange(c.record, *change);
         ++c.changes;
         c.clean = false;
     }

@@ -14,15 +14,6 @@
 
 #include <memory>
 
-// What the journal keeps of the window: the race state plus the captions that the state file
-// does not carry (the clock when stopped, the rank counter, the first finisher).
-struct RaceRecord {
-    RaceState state;
-    QString label1; // the clock, hh:mm:ss
-    QString label2; // the rank counter
-    QString label4; // the first finisher's time
-};
-
 namespace journal
 {
 
@@ -31,11 +22,10 @@ inline constexpr char fileName[] = "MARVO.jrn";
 inline constexpr qsizetype maxLineLength = 64 * 1024 * 1024;
 
 QByteArray encodeSnapshot(const RaceRecord& record);
+// A change of the lines or the captions. A Values change has no entry of its own: the journal
+// takes a snapshot of the race for it.
 QByteArray encodeChange(const RaceChange& change);
 QByteArray encodeClean();
-
-// The change replayed on a journaled race: its lines, and the captions a finish sets.
-bool applyChange(RaceRecord& record, const RaceChange& change);
 
 // What a journal holds. An entry cut off by a crash or a full disk, or damaged, is passed over
 // and the reading goes on: a later snapshot or any later whole entry is still used.

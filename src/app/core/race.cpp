@@ -1,7 +1,11 @@
 #include "race.h"
 
+#include "base/basic.h"
+
 #include "results/core/finishedit.h"
 #include "results/core/resultline.h"
+
+#include <utility>
 
 RaceChange RaceChange::bib(int index, const QString& list1Line)
 {
@@ -46,6 +50,11 @@ RaceChange RaceChange::of(Kind kind)
     RaceChange c;
     c.kind = kind;
     return c;
+}
+
+bool RaceChange::changesLines() const
+{
+    return kind != Kind::Captions && kind != Kind::Values && (kind != Kind::Finish || hasLines);
 }
 
 namespace
@@ -109,9 +118,47 @@ bool applyChange(RaceLines& l, const RaceChange& c)
         finishedit::recomputeDifferences(l.combo1, l.list1, static_cast<TimeFormat>(c.index));
         return true;
     case Kind::Captions:
+    case Kind::Values:
         return true;
     }
     return false;
+}
+
+bool applyChange(RaceRecord& r, const RaceChange& c)
+{
+    RaceState& s = r.state;
+    RaceLines lines{std::move(s.combo1), std::move(s.list1), std::move(s.list2)};
+    const bool applied = applyChange(lines, c);
+    s.combo1 = std::move(lines.combo1);
+    s.list1 = std::move(lines.list1);
+    s.list2 = std::move(lines.list2);
+    if (applied && (c.kind == RaceChange::Kind::Finish || c.kind == RaceChange::Kind::Captions)) {
+        r.label2 = c.label2;
+        s.tempsPrimer = c.tempsPrimer;
+        r.label4 = c.label4;
+        s.label5 = c.label5;
+        s.label8 = c.label8;
+    }
+    return applied;
+}
+
+Race::Race()
+{
+    // The race of a window just opened: the clock at zero, no finisher, "Milesimas".
+    current.state.horaSalida = basic::fitFixed(QString(), 5);
+    current.label1 = QStringLiteral("00:00:00");
+    current.label2 = QStringLiteral("0");
+    current.label4 = QStringLiteral("00:00:00:000");
+    current.state.label5 = QStringLiteral("00:00:00:000");
+    current.state.label8 = QStringLiteral("0:00:00:000");
+}
+
+RaceRecord Race::snapshot() const
+{
+    RaceRecord r = current;
+    if (running())
+        r.label1.clear(); // the running clock is not a record
+    return r;
 }
 
 bool Race::apply(const RaceChange& change)
@@ -124,8 +171,106 @@ bool Race::apply(const RaceChange& change)
 
 void Race::restore(const QStringList& combo1, const QStringList& list1, const QStringList& list2)
 {
-    current.combo1 = combo1;
-    current.list1 = list1;
-    current.list2 << list2;
+    current.state.combo1 = combo1;
+    current.state.list1 = list1;
+    current.state.list2 << list2;
     emit restored();
+}
+
+template <typename T> void Race::setValue(T& field, const T& value)
+{
+    if (field == value)
+        return;
+    field = value;
+    valuesChanged();
+}
+
+void Race::valuesChanged()
+{
+    if (batchDepth > 0) {
+        valuesPending = true;
+        return;
+    }
+    valuesPending = false;
+    emit changed(RaceChange::of(RaceChange::Kind::Values));
+}
+
+void Race::setInicio(double v)
+{
+    setValue(current.state.inicio, v);
+}
+
+void Race::setDesfase(double v)
+{
+    setValue(current.state.desfase, v);
+}
+
+void Race::setHoraSalida(const QString& v)
+{
+    setValue(current.state.horaSalida, v);
+}
+
+void Race::setTempsPrimer(const QString& v)
+{
+    setValue(current.state.tempsPrimer, v);
+}
+
+void Race::setFormato(const Variant& v)
+{
+    setValue(current.state.formato, v);
+}
+
+void Race::setModoCaptura(const Variant& v)
+{
+    setValue(current.state.modoCaptura, v);
+}
+
+void Race::setClock(const QString& label1)
+{
+    setValue(current.label1, label1);
+}
+
+void Race::setRank(const QString& label2)
+{
+    setValue(current.label2, label2);
+}
+
+void Race::setFirst(const QString& label4)
+{
+    setValue(current.label4, label4);
+}
+
+void Race::setLast(const QString& label5)
+{
+    setValue(current.state.label5, label5);
+}
+
+void Race::setLastDifference(const QString& label8)
+{
+    setValue(current.state.label8, label8);
+}
+
+Race::Batch::Batch(Race& r) : race(r)
+{
+    ++race.batchDepth;
+}
+
+Race::Batch::~Batch()
+{
+    if (--race.batchDepth == 0 && race.valuesPending)
+        race.valuesChanged();
+}
+
+void Race::setEntrants(const QList<entrants::Entrant>& list)
+{
+    inscritos = list;
+    emit entrantsChanged();
+}
+
+void Race::setName(const QString& name)
+{
+    if (nombre == name)
+        return;
+    nombre = name;
+    emit entrantsChanged();
 }

@@ -1,9 +1,14 @@
-// The race record: the lines of Combo1, List1 and List2, exactly as the lists show them and the
-// state file keeps them. Every change of the lines is one RaceChange, applied in one place
-// (applyChange) and announced once (Race::changed): the window shows the lines from there, the
-// journal writes the change, and the journal's reader replays it through the same function.
+// The race: the window-level values, the captions a finish leaves, the lines of Combo1, List1
+// and List2 exactly as the lists show them and the state file keeps them, the race name and the
+// entrants. Every change goes through this model and is announced once (Race::changed): the
+// window shows the race from there, the journal writes it, and the journal's reader replays a
+// change through the same function (applyChange).
 #pragma once
 
+#include "app/core/racestate.h"
+#include "results/core/entrants.h"
+
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -20,6 +25,9 @@ struct RaceChange {
         Differences,       // every difference written again against the first finisher's
                            // time, in the time format `index`
         Captions,          // no line changes: the captions below, set again after an edit
+        Values,            // window-level values or captions changed outside a finish or an
+                           // edit (Start, Stop, the clock, a clear, a format): the journal takes
+                           // the race whole
     };
     Kind kind = Kind::Finish;
     int index = -1;
@@ -41,6 +49,9 @@ struct RaceChange {
     static RaceChange startOrder(const QStringList& lines);
     static RaceChange differences(int format);
     static RaceChange of(Kind kind);
+
+    // Changes the lines (not only the captions or the values).
+    bool changesLines() const;
 };
 
 Q_DECLARE_METATYPE(RaceChange)
@@ -54,16 +65,24 @@ struct RaceLines {
 // Applies the change to the lines. A change that does not fit them (an index past the end)
 // leaves them as they are and returns false.
 bool applyChange(RaceLines& lines, const RaceChange& change);
+// The same on a whole race: its lines, and the captions a finish or a Captions change sets.
+bool applyChange(RaceRecord& record, const RaceChange& change);
 
 class Race : public QObject
 {
     Q_OBJECT
 
 public:
-    const RaceLines& lines() const { return current; }
-    const QStringList& combo1() const { return current.combo1; }
-    const QStringList& list1() const { return current.list1; }
-    const QStringList& list2() const { return current.list2; }
+    Race();
+
+    const RaceRecord& record() const { return current; }
+    const RaceState& state() const { return current.state; }
+    const QStringList& combo1() const { return current.state.combo1; }
+    const QStringList& list1() const { return current.state.list1; }
+    const QStringList& list2() const { return current.state.list2; }
+    bool running() const { return current.state.inicio != 0; }
+    // The race as the journal takes it: the clock's caption only while the clock stands.
+    RaceRecord snapshot() const;
 
     // Makes the change and announces it; false (and no announcement) when it does not fit.
     bool apply(const RaceChange& change);
@@ -71,10 +90,52 @@ public:
     // change of the race, so not journaled; announced by restored().
     void restore(const QStringList& combo1, const QStringList& list1, const QStringList& list2);
 
+    // The window-level values and captions. Each change is announced as a Values change at
+    // once, or once for all when the outermost Batch open ends.
+    void setInicio(double v);
+    void setDesfase(double v);
+    void setHoraSalida(const QString& v);
+    void setTempsPrimer(const QString& v);
+    void setFormato(const Variant& v);
+    void setModoCaptura(const Variant& v);
+    void setClock(const QString& label1);
+    void setRank(const QString& label2);
+    void setFirst(const QString& label4);
+    void setLast(const QString& label5);
+    void setLastDifference(const QString& label8);
+
+    // Values changed while a Batch lives are announced when the outermost one ends: a handler
+    // that sets five values makes one journal entry.
+    class Batch
+    {
+    public:
+        explicit Batch(Race& race);
+        ~Batch();
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+
+    private:
+        Race& race;
+    };
+
+    // The entrants loaded for the race and its name, which the results print.
+    const QList<entrants::Entrant>& entrants() const { return inscritos; }
+    const QString& name() const { return nombre; }
+    void setEntrants(const QList<entrants::Entrant>& list);
+    void setName(const QString& name);
+
 signals:
     void changed(const RaceChange& change);
     void restored();
+    void entrantsChanged();
 
 private:
-    RaceLines current;
+    template <typename T> void setValue(T& field, const T& value);
+    void valuesChanged();
+
+    RaceRecord current;
+    int batchDepth = 0;
+    bool valuesPending = false;
+    QList<entrants::Entrant> inscritos;
+    QString nombre;
 };

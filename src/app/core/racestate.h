@@ -1,4 +1,5 @@
-// The race as the state file keeps it: the window-level values and the three lists.
+// The race as the state file keeps it: the window-level values and the three lists; and the
+// race as the journal keeps it, with the captions the state file does not carry.
 #pragma once
 
 #include <QString>
@@ -29,4 +30,15 @@ struct RaceState {
     QStringList list2;     // start order
 
     bool operator==(const RaceState&) const = default;
+};
+
+// The race state plus the captions that the state file does not carry: the clock when stopped,
+// the rank counter, the first finisher.
+struct RaceRecord {
+    RaceState state;
+    QString label1; // the clock, hh:mm:ss
+    QString label2; // the rank counter
+    QString label4; // the first finisher's time
+
+    bool operator==(const RaceRecord&) const = default;
 };

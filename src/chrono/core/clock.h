@@ -30,3 +30,21 @@ public:
 private:
     QElapsedTimer elapsed;
 };
+
+// The running race clock: anchored to the wall clock when the race starts or resumes, then
+// timed on the monotonic clock, so that a step of the system time moves nothing.
+class RunningClock
+{
+public:
+    explicit RunningClock(const Clock& source) : clock(source) {}
+    // The race clock started at `inicio` (seconds since midnight, as Clock::timer reads): the
+    // time run so far is taken now, a race that crosses midnight keeping its count.
+    void anchor(double inicio);
+    // The race clock in hours, `desfase` hours carried into the run included.
+    double hours(double desfase) const;
+
+private:
+    const Clock& clock;
+    double anchorElapsed = 0; // seconds run at the anchor
+    double anchorMono = 0;    // the monotonic clock at the anchor
+};

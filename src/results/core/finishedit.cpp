@@ -9,18 +9,12 @@
 namespace finishedit
 {
 
-namespace
-{
-
-// The difference as the clock's Label7 shows it, cut as the line's target takes it.
 QString difference(double hours, double firstHours, TimeFormat format, resultline::Target target)
 {
     const QString text = timevalue::tempsexaMil(hours - firstHours);
     return resultline::cutDifference(basic::mid(text, 2, timevalue::differenceWidth(format)),
                                      format, target);
 }
-
-} // namespace
 
 double hoursOf(const QString& time)
 {

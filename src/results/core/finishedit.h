@@ -4,6 +4,7 @@
 #pragma once
 
 #include "chrono/core/timevalue.h"
+#include "results/core/resultline.h"
 
 #include <QHash>
 #include <QList>
@@ -26,6 +27,10 @@ struct FinishLines {
 };
 FinishLines linesOf(int rank, QStringView bib, double hours, double firstHours, TimeFormat format,
                     const std::optional<QString>& standingDifference = std::nullopt);
+
+// The difference of a finish at `hours` to the first at `firstHours` as the clock's Label7
+// shows it, cut as the line's target takes it.
+QString difference(double hours, double firstHours, TimeFormat format, resultline::Target target);
 
 // A line's time text in hours, its hundredths or thousandths included.
 double hoursOf(const QString& time);

@@ -1,6 +1,8 @@
-// The race clock beside Start: the anchor of the running time on the monotonic clock, a start
-// at a given time of day (past or armed), and the beeps of the last seconds before a start.
-#include "app/formmarvolendo.h"
+#include "armedstart.h"
+
+#include "app/core/racesession.h"
+#include "app/dialogs.h"
+#include "app/notices.h"
 #include "app/texts.h"
 #include "base/basic.h"
 #include "chrono/core/clock.h"
@@ -11,8 +13,8 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-#include <QSettings>
 #include <QTimer>
+#include <QWidget>
 
 #include <cmath>
 
@@ -32,36 +34,42 @@ QTime timeOfDayAt(double seconds)
 
 } // namespace
 
-void FormMarvolendo::anchorRun()
+ArmedStart::ArmedStart(QWidget* parentWindow, const Controls& controls, RaceSession& raceSession,
+                       const Clock& clockSource, Dialogs& dialogSource, Sound* soundSource,
+                       Notices& noticeArea, std::function<int()> checkedFormat)
+    : QObject(parentWindow), window(parentWindow), c(controls), session(raceSession),
+      clock(clockSource), dialogs(dialogSource), sound(soundSource), notices(noticeArea),
+      format(std::move(checkedFormat)), armTimer(new QTimer(this)), beepTimer(new QTimer(this))
 {
-    double elapsed = clock.timer() - inicio;
-    // A race that crosses midnight keeps counting.
-    if (elapsed < 0)
-        elapsed += secondsPerDay;
-    anchorElapsed = elapsed;
-    anchorMono = clock.monotonic();
+    armTimer->setObjectName(QStringLiteral("armTimer"));
+    armTimer->setSingleShot(true);
+    armTimer->setTimerType(Qt::PreciseTimer);
+    connect(armTimer, &QTimer::timeout, this, &ArmedStart::tick);
+    beepTimer->setSingleShot(true);
+    beepTimer->setTimerType(Qt::PreciseTimer);
+    connect(beepTimer, &QTimer::timeout, this, &ArmedStart::beepDue);
 }
 
-void FormMarvolendo::startAtTimeOfDay()
+void ArmedStart::startAtTimeOfDay()
 {
     if (armedMono) {
-        cancelArmedStart();
+        cancel();
         return;
     }
-    if (inicio != 0 || Label1->text() != texts::zeroClock) {
-        avisar(QStringLiteral("La salida a una hora solo se puede fijar con el reloj parado a "
-                              "cero."));
+    if (session.race().running() || session.clockCaption() != texts::zeroClock) {
+        notices.show(QStringLiteral("La salida a una hora solo se puede fijar con el reloj "
+                                    "parado a cero."));
         return;
     }
     const QString typed = dialogs.askText(
-        this, QStringLiteral("Salida a una hora"),
+        window, QStringLiteral("Salida a una hora"),
         QStringLiteral("Hora de la salida (hh:mm:ss, con centésimas o milésimas si se "
                        "quiere):"));
     if (typed.isEmpty())
         return;
     const std::optional<double> target = startat::parseTimeOfDay(typed);
     if (!target) {
-        dialogs.warn(this, QStringLiteral("Salida a una hora"),
+        dialogs.warn(window, QStringLiteral("Salida a una hora"),
                      QStringLiteral("«%1» no es una hora válida. Escríbala como hh:mm:ss, por "
                                     "ejemplo 10:30:00 o 10:30:00,250.")
                          .arg(typed));
@@ -71,7 +79,7 @@ void FormMarvolendo::startAtTimeOfDay()
     const startat::Decision d = startat::decide(now, *target);
     switch (d.kind) {
     case startat::Decision::Kind::TooOld:
-        dialogs.warn(this, QStringLiteral("Salida a una hora"),
+        dialogs.warn(window, QStringLiteral("Salida a una hora"),
                      QStringLiteral("La salida de las %1 fue hace más de %2 horas. No se ha "
                                     "cambiado nada.")
                          .arg(timeOfDayAt(*target).toString(QStringLiteral("hh:mm:ss")))
@@ -81,25 +89,25 @@ void FormMarvolendo::startAtTimeOfDay()
         double startTimer = now - d.seconds;
         if (startTimer < 0)
             startTimer += secondsPerDay;
-        startRun(startTimer, timeOfDayAt(*target));
+        emit startNow(startTimer, timeOfDayAt(*target));
         return;
     }
     case startat::Decision::Kind::Armed:
         armedMono = clock.monotonic() + d.seconds;
         armedTime = timeOfDayAt(*target);
-        Command1[0]->setVisible(false);
-        Command1[1]->setVisible(true);
-        Command2[0]->setVisible(false);
-        Command2[1]->setVisible(false);
-        Command4->setVisible(false);
-        Label1->setToolTip(QStringLiteral("Cuenta atrás hasta la salida de las %1")
-                               .arg(armedTime.toString(QStringLiteral("hh:mm:ss.zzz"))));
-        armedTick();
+        c.start->setVisible(false);
+        c.stop->setVisible(true);
+        c.plus->setVisible(false);
+        c.minus->setVisible(false);
+        c.clear->setVisible(false);
+        c.clock->setToolTip(QStringLiteral("Cuenta atrás hasta la salida de las %1")
+                                .arg(armedTime.toString(QStringLiteral("hh:mm:ss.zzz"))));
+        tick();
         return;
     }
 }
 
-void FormMarvolendo::armedTick()
+void ArmedStart::tick()
 {
     if (!armedMono)
         return;
@@ -108,49 +116,47 @@ void FormMarvolendo::armedTick()
         // The moment has come: Start as if pressed then, from a clock at zero.
         const QTime at = armedTime;
         const double lateness = -remaining;
-        cancelArmedStart();
+        cancel();
         double startTimer = clock.timer() - lateness;
         if (startTimer < 0)
             startTimer += secondsPerDay;
-        startRun(startTimer, at);
+        emit startNow(startTimer, at);
         return;
     }
     const QString wait = timevalue::tempsexaMil(remaining / timevalue::secondsPerHour);
-    Label1->setText(basic::left(wait, 8));
-    const int format = checkedFormat();
-    Label6->setText(format == 1   ? basic::mid(wait, 10, 2)
-                    : format == 2 ? basic::mid(wait, 10, 3)
-                                  : QString());
+    c.clock->setText(basic::left(wait, 8));
+    const int f = format();
+    c.fraction->setText(f == 1   ? basic::mid(wait, 10, 2)
+                        : f == 2 ? basic::mid(wait, 10, 3)
+                                 : QString());
     // The last interval is timed to the millisecond; the wait before it on the cheaper timer.
     const int ms = static_cast<int>(std::ceil(remaining * 1000.0));
     armTimer->setTimerType(ms <= 2 * armedTickMs ? Qt::PreciseTimer : Qt::CoarseTimer);
     armTimer->start(std::min(ms, armedTickMs));
 }
 
-void FormMarvolendo::cancelArmedStart()
+void ArmedStart::cancel()
 {
     armedMono.reset();
     armTimer->stop();
-    Label1->setToolTip(QString());
-    Label1->setText(texts::zeroClock);
-    const int format = checkedFormat();
-    Label6->setText(format == 1   ? QStringLiteral("00")
-                    : format == 2 ? QStringLiteral("000")
-                                  : QString());
-    Command1[1]->setVisible(false);
-    Command1[0]->setVisible(true);
-    Command2[0]->setVisible(true);
-    Command2[1]->setVisible(true);
-    Command4->setVisible(true);
+    c.clock->setToolTip(QString());
+    c.clock->setText(texts::zeroClock);
+    const int f = format();
+    c.fraction->setText(f == 1 ? QStringLiteral("00") : f == 2 ? QStringLiteral("000") : QString());
+    c.stop->setVisible(false);
+    c.start->setVisible(true);
+    c.plus->setVisible(true);
+    c.minus->setVisible(true);
+    c.clear->setVisible(true);
 }
 
-void FormMarvolendo::countdownBeeps(std::optional<double> remaining)
+void ArmedStart::countdown(std::optional<double> remaining)
 {
-    if (!pitidos->isChecked())
+    if (!c.beepsOn->isChecked())
         remaining.reset();
     // Another start chosen: its countdown begins afresh.
-    if (List2->currentRow() != beepsRow) {
-        beepsRow = List2->currentRow();
+    if (c.startOrder->currentRow() != beepsRow) {
+        beepsRow = c.startOrder->currentRow();
         beeps.update(std::nullopt);
     }
     const CountdownBeeps::Beep beep = beeps.update(remaining);
@@ -159,14 +165,14 @@ void FormMarvolendo::countdownBeeps(std::optional<double> remaining)
             beep == CountdownBeeps::Beep::Long ? Sound::Tone::Long : Sound::Tone::Short;
         if (!sound->play(tone) && !soundMissingShown) {
             soundMissingShown = true;
-            avisar(QStringLiteral("Este equipo no tiene salida de sonido: los pitidos de salida "
-                                  "no sonarán."));
+            notices.show(QStringLiteral("Este equipo no tiene salida de sonido: los pitidos de "
+                                        "salida no sonarán."));
         }
     }
     // A beep due before the next tick is taken by a timer of its own, on time.
     if (!remaining)
         return;
     if (const std::optional<double> until = CountdownBeeps::untilNext(*remaining);
-        until && *until * 1000.0 < Timer1->interval() + 1)
+        until && *until * 1000.0 < c.tick->interval() + 1)
         beepTimer->start(static_cast<int>(std::ceil(*until * 1000.0)));
 }

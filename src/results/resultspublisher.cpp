@@ -1,6 +1,8 @@
-// The entrants loaded from a spreadsheet and the results people read: the classification as a
-// printable PDF, a web page and a spreadsheet, in the results folder.
-#include "app/formmarvolendo.h"
+#include "resultspublisher.h"
+
+#include "app/core/racesession.h"
+#include "app/dialogs.h"
+#include "app/notices.h"
 #include "base/paths.h"
 #include "base/savefile.h"
 #include "files/core/exports.h"
@@ -13,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
+#include <QWidget>
 
 #include <memory>
 
@@ -39,32 +42,45 @@ exports::WriteResult writeResults(const QStringList& list1, const QStringList& l
 
 } // namespace
 
-QString FormMarvolendo::besideState(const char* name) const
+ResultsPublisher::ResultsPublisher(QWidget* parentWindow, RaceSession& raceSession,
+                                   Dialogs& dialogSource, Notices& noticeArea)
+    : QObject(parentWindow), window(parentWindow), session(raceSession), dialogs(dialogSource),
+      notices(noticeArea)
 {
-    return carpeta + QLatin1String(name);
 }
 
-void FormMarvolendo::loadEntrants()
+ResultsPublisher::~ResultsPublisher()
+{
+    if (resultsThread)
+        resultsThread->wait();
+}
+
+QString ResultsPublisher::besideState(const char* name) const
+{
+    return session.folder() + QLatin1String(name);
+}
+
+void ResultsPublisher::loadEntrants()
 {
     FileRequest request;
     request.title = QStringLiteral("Cargar inscritos (CSV)");
     request.filter = QStringLiteral("Hojas de cálculo CSV (*.csv *.CSV *.txt *.TXT);;Todos los "
                                     "ficheros (*)");
     request.defaultSuffix = QStringLiteral("csv");
-    const QString path = dialogs.openFile(this, request);
+    const QString path = dialogs.openFile(window, request);
     if (path.isEmpty())
         return;
 
     const QString title = QStringLiteral("Inscritos");
     QFile file(path);
     if (file.size() > entrants::maxFileBytes) {
-        dialogs.warn(this, title,
+        dialogs.warn(window, title,
                      QStringLiteral("El fichero ocupa más de 20 MB: no parece una lista de "
                                     "inscritos. No se ha cargado nada."));
         return;
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        dialogs.warn(this, title,
+        dialogs.warn(window, title,
                      QStringLiteral("No se pudo abrir %1: %2")
                          .arg(QDir::toNativeSeparators(path), file.errorString()));
         return;
@@ -73,15 +89,14 @@ void FormMarvolendo::loadEntrants()
     const QByteArray bytes = file.read(entrants::maxFileBytes + 1);
     const entrants::Loaded loaded = entrants::read(bytes);
     if (!loaded.refusal.isEmpty()) {
-        dialogs.warn(this, title, loaded.refusal);
+        dialogs.warn(window, title, loaded.refusal);
         return;
     }
 
-    inscritos = loaded.entrants;
+    session.race().setEntrants(loaded.entrants);
     const QString kept = savefile::write(besideState(entrants::keptFile), bytes);
-    recheckAllBibs();
 
-    QString summary = QStringLiteral("Cargados %1 inscritos.").arg(inscritos.size());
+    QString summary = QStringLiteral("Cargados %1 inscritos.").arg(loaded.entrants.size());
     const QString skipped = entrants::skippedMessage(loaded);
     if (!skipped.isEmpty())
         summary += u'\n' + skipped;
@@ -89,62 +104,63 @@ void FormMarvolendo::loadEntrants()
         summary += QStringLiteral("\nNo se pudo guardar una copia junto a MARVO.dat (%1): al "
                                   "volver a abrir el programa habrá que cargarlos otra vez.")
                        .arg(kept);
-    dialogs.inform(this, title, summary);
+    dialogs.inform(window, title, summary);
 }
 
-void FormMarvolendo::reloadEntrants()
+void ResultsPublisher::reload()
 {
     QFile file(besideState(entrants::keptFile));
     if (file.open(QIODevice::ReadOnly))
-        inscritos = entrants::read(file.read(entrants::maxFileBytes + 1)).entrants;
+        session.race().setEntrants(entrants::read(file.read(entrants::maxFileBytes + 1)).entrants);
     QFile name(besideState(raceNameFile));
     if (name.open(QIODevice::ReadOnly))
-        nombreCarrera = QString::fromUtf8(name.readAll()).trimmed();
+        session.race().setName(QString::fromUtf8(name.readAll()).trimmed());
 }
 
-bool FormMarvolendo::hasEntrants() const
+bool ResultsPublisher::hasEntrants() const
 {
-    return !inscritos.isEmpty() || !nombreCarrera.isEmpty();
+    return !session.race().entrants().isEmpty() || !session.race().name().isEmpty();
 }
 
-void FormMarvolendo::forgetEntrants()
+void ResultsPublisher::forget()
 {
     if (!hasEntrants())
         return;
-    inscritos.clear();
-    nombreCarrera.clear();
+    session.race().setName(QString());
+    session.race().setEntrants({});
     QFile::remove(besideState(entrants::keptFile));
     QFile::remove(besideState(raceNameFile));
-    recheckAllBibs();
 }
 
-void FormMarvolendo::publishResults()
+void ResultsPublisher::publish()
 {
     if (resultsThread) {
-        avisar(QStringLiteral("Los resultados anteriores se están guardando todavía."));
+        notices.show(QStringLiteral("Los resultados anteriores se están guardando todavía."));
         return;
     }
-    if (nombreCarrera.isEmpty()) {
+    Race& race = session.race();
+    if (race.name().isEmpty()) {
         const QString name =
             dialogs
-                .askText(this, QStringLiteral("Resultados"),
+                .askText(window, QStringLiteral("Resultados"),
                          QStringLiteral("Nombre de la carrera (sale en cada página):"))
                 .trimmed();
         if (name.isEmpty())
             return;
-        nombreCarrera = name;
+        race.setName(name);
         const QString reason = savefile::write(besideState(raceNameFile), name.toUtf8());
         if (!reason.isEmpty())
-            avisar(QStringLiteral("No se pudo guardar el nombre de la carrera (%1).").arg(reason));
+            notices.show(
+                QStringLiteral("No se pudo guardar el nombre de la carrera (%1).").arg(reason));
     }
 
     // The files are drawn and written away from the window: a big race takes most of a second,
     // and the clock and the finish keys must not wait for it.
     auto written = std::make_shared<exports::WriteResult>();
-    resultsThread =
-        QThread::create([written, list1 = race.list1(), list2 = race.list2(), entered = inscritos,
-                         digits = resultsreport::fractionDigitsOf(checkedFormat()),
-                         name = nombreCarrera, date = QDate::currentDate()] {
+    resultsThread = QThread::create(
+        [written, list1 = race.list1(), list2 = race.list2(), entered = race.entrants(),
+         digits = resultsreport::fractionDigitsOf(session.lapOptions().format), name = race.name(),
+         date = QDate::currentDate()] {
             *written = writeResults(list1, list2, entered, digits, name, date);
         });
     resultsThread->setParent(this);
@@ -153,9 +169,9 @@ void FormMarvolendo::publishResults()
         resultsThread = nullptr;
         // The clock goes on: the outcome is a notice, not a box to close.
         if (!written->ok())
-            avisar(written->message);
+            notices.show(written->message);
         else
-            avisar(
+            notices.show(
                 QStringLiteral("Resultados guardados en %1: resultados.pdf, resultados.html "
                                "y resultados.csv.")
                     .arg(QDir::toNativeSeparators(

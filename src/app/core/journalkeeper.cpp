@@ -1,0 +1,114 @@
+#include "journalkeeper.h"
+
+#include "app/core/statefile.h"
+
+#include <QDateTime>
+#include <QFile>
+
+#include <algorithm>
+
+JournalKeeper::JournalKeeper(Race& r, const QString& stateFolder, const QString& fallback)
+    : race(r), folder(stateFolder), fallbackState(fallback)
+{
+    retry.setInterval(1000);
+    connect(&retry, &QTimer::timeout, this, &JournalKeeper::repair);
+    connect(&race, &Race::changed, this, &JournalKeeper::follow);
+}
+
+QString JournalKeeper::primaryPath() const
+{
+    return folder + QLatin1String(journal::fileName);
+}
+
+QString JournalKeeper::fallbackPath() const
+{
+    return QFileInfo(fallbackState).absolutePath() + u'/' + QLatin1String(journal::fileName);
+}
+
+std::optional<JournalKeeper::Unfinished> JournalKeeper::unfinished() const
+{
+    QList<QFileInfo> journals;
+    for (const QString& path : {primaryPath(), fallbackPath()}) {
+        const QFileInfo info(path);
+        if (info.isFile() && !journals.contains(info))
+            journals << info;
+    }
+    std::sort(journals.begin(), journals.end(), [](const QFileInfo& a, const QFileInfo& b) {
+        return a.lastModified() > b.lastModified();
+    });
+    for (const QFileInfo& info : std::as_const(journals)) {
+        journal::Contents contents = journal::read(info.filePath());
+        if (!contents.valid || contents.clean)
+            continue;
+        QFile file(folder + QLatin1String(statefile::fileName));
+        if (file.open(QIODevice::ReadOnly) &&
+            file.readAll() == statefile::encode(contents.record.state))
+            continue; // the state file already holds everything
+        return Unfinished{info.filePath(), std::move(contents)};
+    }
+    return std::nullopt;
+}
+
+void JournalKeeper::setAside(const QString& path)
+{
+    const QFileInfo info(path);
+    const QString aside =
+        info.absolutePath() + u'/' +
+        QStringLiteral("MARVO-%1.jrn")
+            .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss")));
+    QFile::rename(path, aside);
+}
+
+QString JournalKeeper::start()
+{
+    if (journal.start(primaryPath(), race.snapshot()))
+        return {};
+    // A folder that takes no journal: the fallback folder does, as it takes the state file.
+    const QString primaryError = journal.error();
+    if (journal.start(fallbackPath(), race.snapshot()))
+        return QStringLiteral("El diario de la carrera no se puede escribir en %1 (%2): se "
+                              "escribe en %3.")
+            .arg(primaryPath(), primaryError, fallbackPath());
+    return QStringLiteral("No se puede escribir el diario de la carrera %1 (%2): tras un "
+                          "fallo solo se recuperaría lo guardado en MARVO.dat.")
+        .arg(primaryPath(), primaryError);
+}
+
+void JournalKeeper::markClean()
+{
+    journal.markClean();
+}
+
+void JournalKeeper::follow(const RaceChange& change)
+{
+    if (!journal.isOpen())
+        return;
+    append(change.kind == RaceChange::Kind::Values ? journal::encodeSnapshot(race.snapshot())
+                                                   : journal::encodeChange(change));
+}
+
+// Every entry goes through here. When the disk refuses one (it is full), the operator is told
+// at once; nothing more is appended to the torn journal until a whole snapshot of the race goes
+// in again, tried every second and at every change.
+void JournalKeeper::append(const QByteArray& entry)
+{
+    if (broken) {
+        repair();
+        return;
+    }
+    if (journal.append(entry))
+        return;
+    broken = true;
+    emit refused(journal.error());
+    retry.start();
+}
+
+void JournalKeeper::repair()
+{
+    // A new line first: whatever the failed write left is a line of its own, passed over.
+    if (!journal.append(QByteArrayLiteral("\r\n") + journal::encodeSnapshot(race.snapshot())))
+        return;
+    broken = false;
+    retry.stop();
+    emit whole();
+}

@@ -1,0 +1,60 @@
+// The finish journal of a race: it follows the race's announcements by itself (a change of the
+// lines or the captions is one entry, a change of the window-level values a whole snapshot),
+// finds the journal an abnormal end left, and mends a journal the disk refused an entry of.
+#pragma once
+
+#include "app/core/journal.h"
+#include "app/core/race.h"
+
+#include <QFileInfo>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <optional>
+
+class JournalKeeper : public QObject
+{
+    Q_OBJECT
+
+public:
+    // `folder` holds MARVO.dat (empty: the current folder); `fallbackState` is where the state
+    // file goes when that folder takes none, and the journal beside it likewise.
+    JournalKeeper(Race& race, const QString& folder, const QString& fallbackState);
+
+    // A journal an abnormal end left with changes the state file lacks: the newest of the one
+    // beside MARVO.dat and the one of the fallback folder.
+    struct Unfinished {
+        QString path;
+        journal::Contents contents;
+    };
+    std::optional<Unfinished> unfinished() const;
+    // A journal not recovered is kept aside under a dated name; nothing is deleted.
+    static void setAside(const QString& path);
+
+    // Starts the journal with a snapshot of the race, beside MARVO.dat or else in the fallback
+    // folder. Returns a notice for the operator when it went elsewhere or nowhere.
+    QString start();
+    // The clean mark of a normal end.
+    void markClean();
+    bool isOpen() const { return journal.isOpen(); }
+
+signals:
+    // The disk refused an entry (the notice stays until whole() says the journal is whole).
+    void refused(const QString& error);
+    void whole();
+
+private:
+    void follow(const RaceChange& change);
+    void append(const QByteArray& entry);
+    void repair();
+    QString primaryPath() const;
+    QString fallbackPath() const;
+
+    Race& race;
+    QString folder;
+    QString fallbackState;
+    Journal journal;
+    bool broken = false;
+    QTimer retry;
+};

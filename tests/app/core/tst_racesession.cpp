@@ -1,0 +1,161 @@
+// A whole race timed through the race session, with no window: started, finishes, bibs
+// assigned and corrected, a false finish removed and taken back, a missed one added, stopped;
+// killed after any of these steps, the next session finds in the journal the race exactly as
+// it stood, and brings it back.
+#include "app/core/racesession.h"
+#include "results/core/resultline.h"
+#include "support/fakeclock.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+namespace
+{
+
+using Step = std::function<void(RaceSession&, FakeClock&)>;
+
+// The race, step by step; each step is one or more changes of the race.
+const QList<std::pair<const char*, Step>>& steps()
+{
+    static const QList<std::pair<const char*, Step>> all{
+        {"start", [](RaceSession& s, FakeClock& c) { s.start(c.timer(), c.timeOfDay()); }},
+        {"first finish",
+         [](RaceSession& s, FakeClock& c) {
+             c.advance(61.25);
+             s.recordFinish(QStringLiteral("57"));
+         }},
+        {"finish without bib",
+         [](RaceSession& s, FakeClock& c) {
+             c.advance(2.5);
+             s.recordFinish(QString());
+         }},
+        {"third finish",
+         [](RaceSession& s, FakeClock& c) {
+             c.advance(0.125);
+             s.recordFinish(QStringLiteral("12"));
+         }},
+        {"bib assigned",
+         [](RaceSession& s, FakeClock&) {
+             QVERIFY(s.perform(raceedits::bibAssignment(s.race().record(), s.nextWithoutBib(),
+                                                        QStringLiteral("33"))));
+         }},
+        {"bib corrected",
+         [](RaceSession& s, FakeClock&) {
+             const std::optional<QString> line =
+                 resultline::rewriteBib(s.race().list1()[2], QStringLiteral("21"));
+             QVERIFY(s.perform(raceedits::bibCorrection(s.race().record(), 2, *line)));
+         }},
+        {"first finish removed",
+         [](RaceSession& s, FakeClock&) {
+             QVERIFY(s.perform(raceedits::removal(s.race().record(), 0, s.editContext())));
+         }},
+        {"removal taken back", [](RaceSession& s, FakeClock&) { QVERIFY(s.undo()); }},
+        {"missed finish added",
+         [](RaceSession& s, FakeClock&) {
+             QVERIFY(s.recordFinishAt(62.0 / 3600.0, QStringLiteral("8")));
+         }},
+        {"start order",
+         [](RaceSession& s, FakeClock&) {
+             s.race().apply(RaceChange::startOrder({resultline::startLine(1, 57, u"0:00:00"),
+                                                    resultline::startLine(2, 8, u"0:00:30")}));
+         }},
+        {"stopped",
+         [](RaceSession& s, FakeClock& c) {
+             c.advance(10);
+             s.stop();
+         }},
+    };
+    return all;
+}
+
+} // namespace
+
+class RaceSessionTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(dir->isValid());
+        // The fallback folder of the state file and the journal, away from the real home.
+        qputenv("MARVOLENDO_DRIVE_D", QFile::encodeName(dir->filePath(QStringLiteral("D"))));
+    }
+
+    void killedAfterAnyStepIsRecoveredWhole_data()
+    {
+        QTest::addColumn<int>("stepsDone");
+        for (int i = 0; i < steps().size(); ++i)
+            QTest::newRow(steps()[i].first) << i + 1;
+    }
+
+    void killedAfterAnyStepIsRecoveredWhole()
+    {
+        QFETCH(int, stepsDone);
+        const QString folder = dir->path() + u'/';
+        FakeClock clock;
+        RaceRecord before;
+        {
+            RaceSession session(clock, folder);
+            session.startJournal();
+            for (int i = 0; i < stepsDone; ++i) {
+                steps()[i].second(session, clock);
+                if (QTest::currentTestFailed())
+                    return;
+            }
+            before = session.race().snapshot();
+            // Killed here: the session goes without a word, no clean mark in its journal.
+        }
+        QVERIFY(!before.state.list1.isEmpty() || stepsDone < 2);
+
+        RaceSession next(clock, folder);
+        const std::optional<JournalKeeper::Unfinished> found = next.journal().unfinished();
+        if (!found) {
+            // Nothing but what the state file already holds: the race as it stood.
+            QCOMPARE(next.readSaved().state, before.state);
+            return;
+        }
+        QCOMPARE(found->contents.record, before);
+        next.recover(*found);
+        // The state file holds the recovered race, the journal the captions it lacks.
+        QCOMPARE(statefile::read(folder + QLatin1String(statefile::fileName)).state, before.state);
+        const statefile::Restored saved = next.readSaved();
+        next.race().restore(saved.state.combo1, saved.state.list1, saved.state.list2);
+        next.startJournal();
+        QCOMPARE(next.race().record().label2, before.label2);
+        QCOMPARE(next.race().record().label4, before.label4);
+        QCOMPARE(next.race().list1(), before.state.list1);
+    }
+
+    void aWholeRace()
+    {
+        // The lines the steps leave, as the lists show them.
+        FakeClock clock;
+        RaceSession session(clock, dir->path() + u'/');
+        session.startJournal();
+        for (const auto& step : steps())
+            step.second(session, clock);
+        QCOMPARE(session.race().list1(),
+                 QStringList({QStringLiteral("   1-  57- 00:01:01:250 - 0:00:00:000"),
+                              QStringLiteral("   2-   8- 00:01:02:000 - 0:00:00:750"),
+                              QStringLiteral("   3-  33- 00:01:03:750 - 0:00:02:500"),
+                              QStringLiteral("   4-  21- 00:01:03:875 - 0:00:02:625")}));
+        QCOMPARE(session.race().record().label2, QStringLiteral("4"));
+        QCOMPARE(session.race().state().inicio, 0.0);
+        QCOMPARE(session.race().record().label1, QStringLiteral("00:01:13"));
+        QCOMPARE(session.bibChecks().noBib(), 0);
+        // An undo of the addition leaves the three finishes of the Laps.
+        QVERIFY(session.undo());
+        QCOMPARE(session.race().list1().size(), 3);
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> dir;
+};
+
+QTEST_GUILESS_MAIN(RaceSessionTest)
+#include "tst_racesession.moc"
