@@ -417,12 +417,7 @@ void FormMarvolendo::connectHandlers()
     connect(&race, &Race::entrantsChanged, finishEditor, &FinishEditor::showAllChecks);
     connect(&session, &RaceSession::differenceChanged, Label7, &QLabel::setText);
     connect(&session, &RaceSession::notice, notices, &Notices::show);
-    connect(&session.journal(), &JournalKeeper::refused, this, [this](const QString& error) {
-        notices->keep(QStringLiteral("No se puede escribir el diario de la carrera (%1). Lo que "
-                                     "se marque sigue en pantalla; el diario se completará en "
-                                     "cuanto se pueda escribir.")
-                          .arg(error));
-    });
+    connect(&session.journal(), &JournalKeeper::refused, notices, &Notices::keep);
     connect(&session.journal(), &JournalKeeper::whole, notices, &Notices::takeBack);
     // A Lap asks the menu's check marks, in index order.
     session.setLapOptions([this] {

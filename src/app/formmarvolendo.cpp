@@ -8,10 +8,7 @@
 #include "app/texts.h"
 #include "base/basic.h"
 #include "base/cp1252.h"
-#include "base/paths.h"
-#include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
-#include "files/adodatacontrol.h"
 #include "files/core/latestwriter.h"
 #include "files/odbc/readingslink.h"
 #include "results/core/resultline.h"
@@ -20,15 +17,12 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QFile>
-#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QThread>
 #include <QTimer>
 
 namespace
@@ -317,11 +311,6 @@ void FormMarvolendo::offerRecovery()
 void FormMarvolendo::avisar(const QString& text)
 {
     notices->show(text);
-}
-
-void FormMarvolendo::avisoFijo(const QString& text)
-{
-    notices->keep(text);
 }
 
 bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)

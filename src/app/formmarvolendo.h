@@ -67,8 +67,6 @@ public:
     // A short notice in the window for a failure the operator must know of while timing: it
     // takes no focus and needs no click.
     void avisar(const QString& text);
-    // The same notice, kept until the window takes it back.
-    void avisoFijo(const QString& text);
 
 signals:
     // Emitted when the program is to end (Command5); main() quits the application on it.

@@ -148,53 +148,6 @@ private slots:
         QVERIFY(!f.dialogs.unexpected);
     }
 
-    void captionsAfterAnEdit_data()
-    {
-        QTest::addColumn<QString>("edit");         // "remove N" or "add time"
-        QTest::addColumn<QStringList>("expected"); // List1, then Label2, Label4, Label5, Label8
-        QTest::newRow("first removed")
-            << "remove 0"
-            << QStringList{"   1- 112- 00:14:02:500 - 0:00:00:000", "1", "00:14:02:500",
-                           "00:14:02:500", "0:00:00:000"};
-        QTest::newRow("added before the first")
-            << "add 0:12:00"
-            << QStringList{"   1-   9- 00:12:00:000 - 0:00:00:000",
-                           "   2-  57- 00:12:30:125 - 0:00:30:125",
-                           "   3- 112- 00:14:02:500 - 0:02:02:500",
-                           "3",
-                           "00:12:00:000",
-                           "00:14:02:500",
-                           "0:02:02:500"};
-    }
-
-    void captionsAfterAnEdit()
-    {
-        QFETCH(QString, edit);
-        QFETCH(QStringList, expected);
-        FormFixture f;
-        f.open(stoppedRace(2, 0));
-        f.click("Command2(0)"); // the stopped clock at 0:01:00 ...
-        for (int i = 0; i < 20; ++i)
-            f.click("Command2(0)"); // ... and on to 0:21:00, past every finish
-        if (edit.startsWith("remove")) {
-            select(f, edit.back().digitValue());
-            f.dialogs.answers = {Dialogs::Ok};
-            f.trigger("borrar");
-        } else {
-            f.dialogs.fieldAnswers = {{edit.mid(4), "9"}};
-            f.trigger("anadir");
-        }
-        QStringList got = f.lines("List1");
-        for (const char* l : {"Label2", "Label4", "Label5", "Label8"})
-            got << f.label(l)->text();
-        QCOMPARE(got, expected);
-        // The state file was saved with the edit, and undo puts the race back as it was.
-        QCOMPARE(statefile::read(f.path("MARVO.dat")).state.list1, f.lines("List1"));
-        f.trigger("deshacer");
-        QCOMPARE(f.lines("List1"), stoppedRace(2, 0).list1);
-        QCOMPARE(f.label("Label2")->text(), QStringLiteral("2"));
-    }
-
     void refusedAdditions()
     {
         FormFixture f;

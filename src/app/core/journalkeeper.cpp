@@ -59,19 +59,22 @@ void JournalKeeper::setAside(const QString& path)
     QFile::rename(path, aside);
 }
 
-QString JournalKeeper::start()
+bool JournalKeeper::start()
 {
     if (journal.start(primaryPath(), race.snapshot()))
-        return {};
+        return true;
     // A folder that takes no journal: the fallback folder does, as it takes the state file.
     const QString primaryError = journal.error();
-    if (journal.start(fallbackPath(), race.snapshot()))
-        return QStringLiteral("El diario de la carrera no se puede escribir en %1 (%2): se "
-                              "escribe en %3.")
-            .arg(primaryPath(), primaryError, fallbackPath());
-    return QStringLiteral("No se puede escribir el diario de la carrera %1 (%2): tras un "
-                          "fallo solo se recuperaría lo guardado en MARVO.dat.")
-        .arg(primaryPath(), primaryError);
+    if (journal.start(fallbackPath(), race.snapshot())) {
+        emit notice(QStringLiteral("El diario de la carrera no se puede escribir en %1 (%2): se "
+                                   "escribe en %3.")
+                        .arg(primaryPath(), primaryError, fallbackPath()));
+        return true;
+    }
+    emit notice(QStringLiteral("No se puede escribir el diario de la carrera %1 (%2): tras un "
+                               "fallo solo se recuperaría lo guardado en MARVO.dat.")
+                    .arg(primaryPath(), primaryError));
+    return false;
 }
 
 void JournalKeeper::markClean()
@@ -99,7 +102,10 @@ void JournalKeeper::append(const QByteArray& entry)
     if (journal.append(entry))
         return;
     broken = true;
-    emit refused(journal.error());
+    emit refused(QStringLiteral("No se puede escribir el diario de la carrera (%1). Lo que se "
+                                "marque sigue en pantalla; el diario se completará en cuanto se "
+                                "pueda escribir.")
+                     .arg(journal.error()));
     retry.start();
 }
 

@@ -33,15 +33,18 @@ public:
     static void setAside(const QString& path);
 
     // Starts the journal with a snapshot of the race, beside MARVO.dat or else in the fallback
-    // folder. Returns a notice for the operator when it went elsewhere or nowhere.
-    QString start();
+    // folder; false when neither takes it. The operator is told (notice) when it went elsewhere
+    // or nowhere.
+    bool start();
     // The clean mark of a normal end.
     void markClean();
     bool isOpen() const { return journal.isOpen(); }
 
 signals:
-    // The disk refused an entry (the notice stays until whole() says the journal is whole).
-    void refused(const QString& error);
+    // What the operator must know, in his words.
+    void notice(const QString& text);
+    // The disk refused an entry: a notice to keep until whole() says the journal is whole.
+    void refused(const QString& text);
     void whole();
 
 private:

@@ -34,6 +34,7 @@ RaceSession::RaceSession(const Clock& source, const QString& stateFolder)
         recheckBibs();
     });
     connect(&model, &Race::entrantsChanged, this, &RaceSession::recheckBibs);
+    connect(&keeper, &JournalKeeper::notice, this, &RaceSession::notice);
 }
 
 statefile::Restored RaceSession::readSaved() const
@@ -114,9 +115,7 @@ void RaceSession::startJournal()
         if (!model.running() && !rec.label1.isEmpty())
             model.setClock(rec.label1);
     }
-    const QString trouble = keeper.start();
-    if (!trouble.isEmpty())
-        emit notice(trouble);
+    keeper.start();
 }
 
 void RaceSession::end()
