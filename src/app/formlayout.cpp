@@ -426,7 +426,7 @@ void FormMarvolendo::connectHandlers()
     startTimesWriter = std::make_unique<LatestWriter>();
     connect(startTimesWriter.get(), &LatestWriter::written, this, [this](const QString& message) {
         if (!message.isEmpty())
-            avisar(QStringLiteral("%1. La llegada ha quedado registrada.").arg(message));
+            notices->show(QStringLiteral("%1. La llegada ha quedado registrada.").arg(message));
     });
 
     connect(Command1[0], &QPushButton::clicked, this, [this] { Command1_Click(0); });

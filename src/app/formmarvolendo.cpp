@@ -7,8 +7,8 @@
 #include "app/notices.h"
 #include "app/texts.h"
 #include "base/basic.h"
-#include "base/cp1252.h"
 #include "chrono/core/timevalue.h"
+#include "entry/keyfilter.h"
 #include "files/core/latestwriter.h"
 #include "files/odbc/readingslink.h"
 #include "results/core/resultline.h"
@@ -35,6 +35,25 @@ constexpr int displayIntervalMs = 36;
 // The time of day only changes its caption once a minute.
 constexpr int timeOfDayIntervalMs = 250;
 
+// After an abnormal end the journal may hold finishes the state file lacks: the operator is
+// asked whether to bring them back.
+void offerRecovery(RaceSession& session, Dialogs& dialogs, QWidget* window)
+{
+    const std::optional<JournalKeeper::Unfinished> found = session.journal().unfinished();
+    if (!found)
+        return;
+    const QString text =
+        QStringLiteral("El programa no terminó normalmente. El diario de la carrera guarda "
+                       "%1 cambios que no están en MARVO.dat (%2 llegadas en la lista).\n\n"
+                       "¿Recuperar la carrera tal como estaba?")
+            .arg(found->contents.changes)
+            .arg(found->contents.record.state.list1.size());
+    if (dialogs.ask(window, QStringLiteral("Recuperar la carrera"), text) == Dialogs::Yes)
+        session.recover(*found);
+    else
+        session.setAside(*found);
+}
+
 } // namespace
 
 FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, Sound* soundSource,
@@ -50,7 +69,7 @@ FormMarvolendo::FormMarvolendo(Clock& clockSource, Dialogs& dialogSource, Sound*
     connectHandlers();
     // The window as drawn: the wide layout with the results list.
     setFormTwips(layouts::drawn.width, layouts::drawn.height);
-    offerRecovery();
+    offerRecovery(session, dialogs, this);
     publisher->reload();
     Form_Load();
     session.startJournal();
@@ -291,28 +310,6 @@ void FormMarvolendo::closeEvent(QCloseEvent* event)
     event->accept();
 }
 
-void FormMarvolendo::offerRecovery()
-{
-    const std::optional<JournalKeeper::Unfinished> found = session.journal().unfinished();
-    if (!found)
-        return;
-    const QString text =
-        QStringLiteral("El programa no terminó normalmente. El diario de la carrera guarda "
-                       "%1 cambios que no están en MARVO.dat (%2 llegadas en la lista).\n\n"
-                       "¿Recuperar la carrera tal como estaba?")
-            .arg(found->contents.changes)
-            .arg(found->contents.record.state.list1.size());
-    if (dialogs.ask(this, QStringLiteral("Recuperar la carrera"), text) == Dialogs::Yes)
-        session.recover(*found);
-    else
-        session.setAside(*found);
-}
-
-void FormMarvolendo::avisar(const QString& text)
-{
-    notices->show(text);
-}
-
 bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == List1->viewport()) {
@@ -341,25 +338,8 @@ bool FormMarvolendo::eventFilter(QObject* watched, QEvent* event)
     }
 
     // A typed character goes through the keystroke filter as its code-page code.
-    auto* key = static_cast<QKeyEvent*>(event);
-    int code = 0;
-    if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)
-        code = 13;
-    else if (key->key() == Qt::Key_Backspace)
-        code = 8;
-    else if (key->text().size() == 1 && key->text()[0].isPrint())
-        code = cp1252::code(key->text()[0]);
-    else
-        return false; // arrows, Delete and the like are the field's own business
-    if (code == 0)
-        return true; // a character outside the code page is swallowed
-    const int typed = code;
-    first ? Text1_KeyPress(code) : Text2_KeyPress(code);
-    if (code != 0 && code != 13 && code != typed) {
-        // The filter changed the key (upper case, say): type the changed character instead.
-        (first ? Text1 : Text2)->insert(QString(cp1252::character(code)));
-        return true;
-    }
-    // An accepted key is typed by the field itself; Enter has been handled already.
-    return code == 0 || typed == 13;
+    return filterKey(first ? Text1 : Text2, static_cast<QKeyEvent*>(event), [&](int code) {
+        first ? Text1_KeyPress(code) : Text2_KeyPress(code);
+        return code;
+    });
 }

@@ -64,10 +64,6 @@ public:
     // The unopened link is kept when it fails.
     QString conectarLecturas();
 
-    // A short notice in the window for a failure the operator must know of while timing: it
-    // takes no focus and needs no click.
-    void avisar(const QString& text);
-
 signals:
     // Emitted when the program is to end (Command5); main() quits the application on it.
     void terminar();
@@ -199,8 +195,6 @@ private:
     FinishEditor* finishEditor = nullptr;
     ResultsPublisher* publisher = nullptr;
     ArchiveWindow* archiveWindow = nullptr;
-    // After an abnormal end the journal may hold finishes the state file lacks.
-    void offerRecovery();
     void startRun(double startTimer, const QTime& startTime);
     Clock& clock;
     Dialogs& dialogs;

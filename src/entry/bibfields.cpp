@@ -2,6 +2,7 @@
 // of the List1 line copied into Label14.
 #include "app/formmarvolendo.h"
 #include "app/look.h"
+#include "app/notices.h"
 #include "entry/core/entrada.h"
 #include "results/core/resultline.h"
 
@@ -116,13 +117,14 @@ void FormMarvolendo::rewriteCorrectedLine()
     // k + 1. A line that cannot be placed leaves the list, Label14 and Text2 as they are.
     const std::optional<QString> line = resultline::rewriteBib(lineToCorrect, Text2->text());
     if (!line) {
-        avisar(QStringLiteral("No se puede corregir: no hay ninguna línea de la lista elegida"));
+        notices->show(
+            QStringLiteral("No se puede corregir: no hay ninguna línea de la lista elegida"));
         return;
     }
     const int index = resultline::lineIndexOfRank(*line);
     if (index < 0 || index >= race.list1().size()) {
-        avisar(QStringLiteral("No se puede corregir: la línea %1 no está en la lista")
-                   .arg(resultline::rankText(*line)));
+        notices->show(QStringLiteral("No se puede corregir: la línea %1 no está en la lista")
+                          .arg(resultline::rankText(*line)));
         return;
     }
     lineToCorrect = *line;

@@ -5,9 +5,9 @@
 #include "app/look.h"
 #include "app/notices.h"
 #include "base/basic.h"
-#include "base/cp1252.h"
 #include "chrono/core/startat.h"
 #include "chrono/core/timevalue.h"
+#include "entry/keyfilter.h"
 #include "results/core/resultline.h"
 
 #include <QAction>
@@ -314,30 +314,14 @@ bool FinishEditor::eventFilter(QObject* watched, QEvent* event)
     if (event->type() != QEvent::KeyPress)
         return false;
     // The bib fields' keystroke filter; Enter gives the bib.
-    auto* key = static_cast<QKeyEvent*>(event);
-    int code = 0;
-    if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)
-        code = 13;
-    else if (key->key() == Qt::Key_Backspace)
-        code = 8;
-    else if (key->text().size() == 1 && key->text()[0].isPrint())
-        code = cp1252::code(key->text()[0]);
-    else
-        return false; // arrows, Delete and the like are the field's own business
-    if (code == 0)
-        return true; // a character outside the code page is swallowed
-    const int typed = code;
-    const EntradaResult result =
-        entrada(entradaState, code, 6, asignarDorsal->text().trimmed(), 0, 9999);
-    code = result.keyAscii;
-    if (result.message != RangeMessage::None)
-        dialogs.warn(window, rangeMessageTitle(result.message),
-                     rangeMessageText(result.message, result.bound));
-    if (result.enter)
-        assignBib();
-    if (code != 0 && code != 13 && code != typed) {
-        asignarDorsal->insert(QString(cp1252::character(code)));
-        return true;
-    }
-    return code == 0 || typed == 13;
+    return filterKey(asignarDorsal, static_cast<QKeyEvent*>(event), [this](int code) {
+        const EntradaResult result =
+            entrada(entradaState, code, 6, asignarDorsal->text().trimmed(), 0, 9999);
+        if (result.message != RangeMessage::None)
+            dialogs.warn(window, rangeMessageTitle(result.message),
+                         rangeMessageText(result.message, result.bound));
+        if (result.enter)
+            assignBib();
+        return result.keyAscii;
+    });
 }
