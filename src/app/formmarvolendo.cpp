@@ -249,6 +249,9 @@ void FormMarvolendo::recuperar()
         opp4->setEnabled(true);
         opp22->setEnabled(true);
     }
+    // Neither mode can be chosen while the clock runs, a race that runs on after a restart too.
+    if (race.running())
+        opp2->setEnabled(false);
     if (race.running()) {
         const int checked = checkedFormat();
         if (checked >= 0) {

@@ -126,6 +126,9 @@ void FormMarvolendo::opp2_Click()
         setFormTwips(layouts::bibsAndTimesWidth, -1);
         Command6->setToolTip(texts::tipThreeFiles);
         Image1->setVisible(true);
+        // The compact toggle above ran the Lap mode's handler once more through the restore,
+        // which took the tick away: the mode chosen is this one, and the exports go by the tick.
+        opp2->setChecked(true);
     } else {
         race.setModoCaptura(0.0);
         Command3->setVisible(true);

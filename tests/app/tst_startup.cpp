@@ -54,8 +54,9 @@ private slots:
         QCOMPARE(first->text(), QStringLiteral("00:12:30:125"));
         QCOMPARE(first->palette().color(QPalette::Window), QColor(128, 0, 0));
         QCOMPARE(first->palette().color(QPalette::WindowText), QColor(Qt::white));
-        // The format menu stays locked while the race runs.
-        QVERIFY(!f.action("op2(0)")->isEnabled());
+        // The format and mode menus stay locked while the race runs.
+        for (const char* entry : {"op2(0)", "opp2", "opp22"})
+            QVERIFY2(!f.action(entry)->isEnabled(), entry);
         // The clock goes on from the saved start.
         f.tick(0);
         QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:15:01"));

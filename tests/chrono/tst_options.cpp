@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 
@@ -178,9 +179,8 @@ private slots:
 
     void bibsAndTimesFromTheMenu()
     {
-        // The compact toggle inside the handler restores the "Lap" mode once more, so the entry
-        // ends up unchecked while the bibs-and-times layout is in place: as the window has always
-        // done.
+        // The compact toggle inside the handler restores the "Lap" mode once more; the entry
+        // chosen stays checked all the same, and the exports go by it at once.
         FormFixture f;
         FormMarvolendo& w = f.open();
         f.trigger("opp2");
@@ -190,10 +190,20 @@ private slots:
         QVERIFY(!f.list("List1")->isHidden() && f.child<QWidget>("Combo1")->isHidden());
         QVERIFY(!f.child<QWidget>("Image1")->isHidden());
         QVERIFY(f.button("Command6")->toolTip().contains(QStringLiteral("Crea tres ficheros")));
-        QVERIFY(!f.action("opp2")->isChecked());
+        QVERIFY(f.action("opp2")->isChecked());
         // The mode is what the next save keeps.
         f.click("Command1(0)");
         QCOMPARE(f.readFile("MARVO.dat").split('\n').value(7), QByteArray(" 1 \r"));
+        // A finish with its bib reaches the start-times file, and the export writes the
+        // three files with bibs.
+        f.makeResultsFolder();
+        f.clock.advance(12.5);
+        f.child<QLineEdit>("Text1")->setText("57");
+        f.pressF(1);
+        QTRY_COMPARE(f.readFile("C/Carreras/copias/TiemposSalida.txt"),
+                     QByteArray("  57,00:00:12:500\r\n"));
+        f.click("Command6");
+        QVERIFY(QFile::exists(f.path("C/Carreras/copias/dorsales-Tiempos-Marvo.txt")));
     }
 
     void compactAndBack_data()
