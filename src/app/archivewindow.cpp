@@ -165,8 +165,9 @@ void ArchiveWindow::recoverChosen()
     if (answer == Dialogs::Cancel)
         return;
     const RaceState race = k->race;
-    if (!session.race().list1().isEmpty() || session.clockCaption() != texts::zeroClock)
-        session.keepCurrent();
+    if ((!session.race().list1().isEmpty() || session.clockCaption() != texts::zeroClock) &&
+        !session.keepCurrent())
+        return; // a race that cannot be kept is not replaced
     // The kept race becomes the state file, and the window reads it as at start-up.
     const statefile::SaveResult saved =
         statefile::save(race, session.folder() + QLatin1String(statefile::fileName),

@@ -32,8 +32,10 @@ void FormMarvolendo::Command4_Click()
                                                    "almacenados"));
         if (respuesta == Dialogs::Cancel)
             return;
-        // Nothing is lost by a click: the race as it stands is kept first.
-        session.keepCurrent();
+        // Nothing is lost by a click: the race as it stands is kept first, and a race that
+        // cannot be kept is not cleared.
+        if (!session.keepCurrent())
+            return;
     }
 
     const Race::Batch batch(race);

@@ -105,7 +105,8 @@ private slots:
         f.open();
         f.dialogs.answers = {Dialogs::Ok};
         f.click("Command4");
-        QVERIFY(f.lines("List1").isEmpty()); // cleared all the same
+        // A race that cannot be kept is not cleared.
+        QCOMPARE(f.lines("List1"), stoppedRace(2, 0).list1);
         QVERIFY(f.label("aviso")->text().contains(QStringLiteral("copia de la carrera")));
         QVERIFY(f.dialogs.shown.size() == 1); // only the question of the clear
         // A damaged kept race is listed as unreadable, and choosing it changes nothing.
@@ -119,7 +120,20 @@ private slots:
         f.button("recuperarCarrera")->click();
         f.button("exportarCarrera")->click();
         QCOMPARE(f.dialogs.shown.last().kind, QStringLiteral("warn"));
+        QCOMPARE(f.lines("List1"), stoppedRace(2, 0).list1);
+    }
+
+    void aFormatChangeKeepsTheRaceAsTaken()
+    {
+        FormFixture f;
+        f.open(stoppedRace(2, 0));
+        f.dialogs.answers = {Dialogs::Ok};
+        f.trigger("op2(0)"); // "Segundos": the race in "Milesimas" is cleared
         QVERIFY(f.lines("List1").isEmpty());
+        const QList<archive::Kept> kept = archive::list(folder(f));
+        QCOMPARE(kept.size(), 1);
+        QCOMPARE(kept.first().race.formato, Variant(2.0));
+        QCOMPARE(kept.first().race.list1, stoppedRace(2, 0).list1);
     }
 };
 

@@ -40,10 +40,14 @@ std::optional<JournalKeeper::Unfinished> JournalKeeper::unfinished() const
         journal::Contents contents = journal::read(info.filePath());
         if (!contents.valid || contents.clean)
             continue;
-        QFile file(folder + QLatin1String(statefile::fileName));
-        if (file.open(QIODevice::ReadOnly) &&
-            file.readAll() == statefile::encode(contents.record.state))
-            continue; // the state file already holds everything
+        // The state file already holds everything, beside MARVO.dat or in the fallback.
+        const QByteArray saved = statefile::encode(contents.record.state);
+        const auto holds = [&saved](const QString& path) {
+            QFile file(path);
+            return file.open(QIODevice::ReadOnly) && file.readAll() == saved;
+        };
+        if (holds(folder + QLatin1String(statefile::fileName)) || holds(fallbackState))
+            continue;
         return Unfinished{info.filePath(), std::move(contents)};
     }
     return std::nullopt;

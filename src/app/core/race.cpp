@@ -161,10 +161,22 @@ RaceRecord Race::snapshot() const
     return r;
 }
 
+RaceState Race::asTaken() const
+{
+    RaceState s = current.state;
+    if (!s.list1.isEmpty() || !s.combo1.isEmpty())
+        s.formato = linesFormato;
+    return s;
+}
+
 bool Race::apply(const RaceChange& change)
 {
     if (!applyChange(current, change))
         return false;
+    using Kind = RaceChange::Kind;
+    if (change.kind == Kind::Insert || change.kind == Kind::Differences ||
+        (change.kind == Kind::Finish && change.hasLines) || (change.kind == Kind::ResultsEmptied))
+        linesFormato = current.state.formato;
     emit changed(change);
     return true;
 }
@@ -174,6 +186,7 @@ void Race::restore(const QStringList& combo1, const QStringList& list1, const QS
     current.state.combo1 = combo1;
     current.state.list1 = list1;
     current.state.list2 << list2;
+    linesFormato = current.state.formato;
     emit restored();
 }
 

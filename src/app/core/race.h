@@ -83,6 +83,9 @@ public:
     bool running() const { return current.state.inicio != 0; }
     // The race as the journal takes it: the clock's caption only while the clock stands.
     RaceRecord snapshot() const;
+    // The race as its results were taken: a format chosen since, with the results still
+    // there, is not theirs.
+    RaceState asTaken() const;
 
     // Makes the change and announces it; false (and no announcement) when it does not fit.
     bool apply(const RaceChange& change);
@@ -134,6 +137,7 @@ private:
     void valuesChanged();
 
     RaceRecord current;
+    Variant linesFormato; // the format the results lines were written in
     int batchDepth = 0;
     bool valuesPending = false;
     QList<entrants::Entrant> inscritos;

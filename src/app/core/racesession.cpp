@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QSet>
 
 namespace
@@ -37,12 +38,28 @@ RaceSession::RaceSession(const Clock& source, const QString& stateFolder)
     connect(&keeper, &JournalKeeper::notice, this, &RaceSession::notice);
 }
 
-statefile::Restored RaceSession::readSaved() const
+statefile::Restored RaceSession::readSaved()
 {
     // A race recovered from the journal is taken as recovered, wherever its save could go.
     if (recoveredRace)
         return statefile::Restored{recoveredRace->state, 8, true};
-    return statefile::read(carpeta + QLatin1String(statefile::fileName));
+    const QString primary = carpeta + QLatin1String(statefile::fileName);
+    const QFileInfo primaryInfo(primary);
+    const QFileInfo fallbackInfo(fallbackState());
+    if (!fallbackInfo.isFile() || fallbackInfo == primaryInfo)
+        return statefile::read(primary);
+    const bool fallbackNewer =
+        !primaryInfo.isFile() || fallbackInfo.lastModified() > primaryInfo.lastModified();
+    const statefile::Restored newer = statefile::read(fallbackNewer ? fallbackState() : primary);
+    const statefile::Restored older = statefile::read(fallbackNewer ? primary : fallbackState());
+    if (fallbackNewer)
+        stateFileInUse = fallbackState();
+    if (older.headerLines > 0 && older.state != newer.state) {
+        const QList<archive::Kept> kept = archive::list(archiveFolder());
+        if (kept.isEmpty() || kept.first().race != older.state)
+            keep(older.state);
+    }
+    return newer;
 }
 
 bool RaceSession::save()
@@ -82,7 +99,9 @@ void RaceSession::recover(const JournalKeeper::Unfinished& found)
     // The race of the state file, about to be replaced, is kept first.
     const statefile::Restored replaced =
         statefile::read(carpeta + QLatin1String(statefile::fileName));
-    if (replaced.headerLines > 0)
+    // Not twice: a race recovered again and again would pile up copies of itself.
+    const QList<archive::Kept> kept = archive::list(archiveFolder());
+    if (replaced.headerLines > 0 && (kept.isEmpty() || kept.first().race != replaced.state))
         keep(replaced.state);
     // The recovered race is saved first, where a save goes; the start-up takes it from here.
     const statefile::SaveResult result =
@@ -129,13 +148,15 @@ QString RaceSession::archiveFolder() const
     return archive::folderBeside(stateFile());
 }
 
-void RaceSession::keep(const RaceState& race)
+bool RaceSession::keep(const RaceState& race)
 {
     QString error;
-    if (archive::keep(archiveFolder(), race, QDateTime::currentDateTime(), &error).isEmpty())
-        emit notice(QStringLiteral("No se pudo guardar una copia de la carrera en %1 (%2). La "
-                                   "carrera sigue.")
-                        .arg(archiveFolder(), error));
+    if (!archive::keep(archiveFolder(), race, QDateTime::currentDateTime(), &error).isEmpty())
+        return true;
+    emit notice(QStringLiteral("No se pudo guardar una copia de la carrera en %1 (%2). La "
+                               "carrera sigue.")
+                    .arg(archiveFolder(), error));
+    return false;
 }
 
 void RaceSession::anchorRun()

@@ -33,7 +33,11 @@ public:
     // --- The state file ---
     // The race as MARVO.dat keeps it.
     RaceState state() const { return model.state(); }
-    statefile::Restored readSaved() const;
+    // The race to start from: the one recovered from the journal, or else the newer of
+    // MARVO.dat and the fallback state file (a save goes to the fallback when the race folder
+    // takes none). The other one, when it holds another race, is kept in the archive first: a
+    // save never overwrites a race that was not read.
+    statefile::Restored readSaved();
     // Writes MARVO.dat (or the fallback); false, with a notice, when neither could be written.
     bool save();
     // Where the last save of the race went, or where it will go.
@@ -56,8 +60,10 @@ public:
 
     // --- The archive of kept races ---
     QString archiveFolder() const;
-    void keep(const RaceState& race);
-    void keepCurrent() { keep(model.state()); }
+    // Keeps the race in the archive; false, with a notice, when it could not be kept.
+    bool keep(const RaceState& race);
+    // The race as its results were taken.
+    bool keepCurrent() { return keep(model.asTaken()); }
 
     // --- The clock ---
     // The race clock anchored to now, as started at inicio.

@@ -2,10 +2,13 @@
 // assigned and corrected, a false finish removed and taken back, a missed one added, stopped;
 // killed after any of these steps, the next session finds in the journal the race exactly as
 // it stood, and brings it back.
+#include "app/core/archive.h"
 #include "app/core/racesession.h"
 #include "results/core/resultline.h"
 #include "support/fakeclock.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -151,6 +154,67 @@ private slots:
         // An undo of the addition leaves the three finishes of the Laps.
         QVERIFY(session.undo());
         QCOMPARE(session.race().list1().size(), 3);
+    }
+
+    void aRecoveryKeepsTheReplacedRaceOnce()
+    {
+        // The state file's race is already the newest kept one (an earlier recovery of the
+        // same journal kept it): recovering again keeps no second copy.
+        const QString folder = dir->path() + u'/';
+        FakeClock clock;
+        {
+            RaceSession s(clock, folder);
+            s.startJournal();
+            for (int i = 0; i < 4; ++i)
+                steps()[i].second(s, clock);
+        }
+        RaceSession next(clock, folder);
+        const std::optional<JournalKeeper::Unfinished> found = next.journal().unfinished();
+        QVERIFY(found);
+        QVERIFY(next.keep(next.readSaved().state));
+        next.recover(*found);
+        QCOMPARE(archive::list(next.archiveFolder()).size(), 1);
+    }
+
+    void theNewerStateFileIsRead_data()
+    {
+        QTest::addColumn<bool>("fallbackNewer");
+        QTest::newRow("the fallback newer") << true;
+        QTest::newRow("MARVO.dat newer") << false;
+    }
+
+    void theNewerStateFileIsRead()
+    {
+        // A race folder that took no save sent the race to the fallback; the stale MARVO.dat
+        // left there is not the race, and the race not read is kept before any save.
+        QFETCH(bool, fallbackNewer);
+        const QString folder = dir->path() + u'/';
+        const QString fallback = dir->filePath(QStringLiteral("D/MARVO.dat"));
+        QVERIFY(QDir().mkpath(dir->filePath(QStringLiteral("D"))));
+        RaceState stale;
+        RaceState race;
+        race.list1 = {QStringLiteral("   1-  57- 00:01:01:250 - 0:00:00:000")};
+        race.combo1 = {QStringLiteral("   1- 00:01:01:250 - 0:00:00:000")};
+        const QString newerPath = fallbackNewer ? fallback : folder + "MARVO.dat";
+        const QString olderPath = fallbackNewer ? folder + "MARVO.dat" : fallback;
+        QVERIFY(statefile::save(stale, olderPath, olderPath).outcome !=
+                statefile::SaveOutcome::Failed);
+        QVERIFY(statefile::save(race, newerPath, newerPath).outcome !=
+                statefile::SaveOutcome::Failed);
+        QFile older(olderPath);
+        QVERIFY(older.open(QIODevice::ReadWrite));
+        QVERIFY(older.setFileTime(QDateTime::currentDateTime().addSecs(-3600),
+                                  QFileDevice::FileModificationTime));
+        older.close();
+
+        FakeClock clock;
+        RaceSession session(clock, folder);
+        QCOMPARE(statefile::encode(session.readSaved().state), statefile::encode(race));
+        QCOMPARE(QFileInfo(session.stateFile()).absoluteFilePath(),
+                 QFileInfo(newerPath).absoluteFilePath());
+        const QList<archive::Kept> kept = archive::list(session.archiveFolder());
+        QCOMPARE(kept.size(), 1);
+        QCOMPARE(statefile::encode(kept.first().race), statefile::encode(stale));
     }
 
 private:
