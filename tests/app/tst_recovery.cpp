@@ -143,8 +143,10 @@ private slots:
     void journalRefusedThenWritableAgain()
     {
         // The file size limit stands in for a full disk: the journal's next entry is refused,
-        // the notice stays up while it is, and goes once the journal is whole again.
+        // the notice stays up while it is, and goes once the journal is whole again. A folder
+        // stands where the fallback journal would go.
         FormFixture f;
+        QDir(f.path("D")).mkdir(QStringLiteral("MARVO.jrn"));
         f.open();
         f.click("Command1(0)");
         f.tick(1);
@@ -163,6 +165,41 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(notice->isHidden(), 5000);
         f.close();
         QCOMPARE(journal::read(f.path("MARVO.jrn")).record.state.list1.size(), 2);
+    }
+
+    void journalGoesOnInTheFallback()
+    {
+        // The race folder's disk fills during the race: the journal goes on, whole, in the
+        // fallback folder, and after a kill the recovery finds every finish there.
+        FormFixture f;
+        f.open();
+        f.click("Command1(0)");
+        for (int i = 0; i < 12; ++i) {
+            f.tick(1);
+            f.pressF(1);
+        }
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit normal{};
+        getrlimit(RLIMIT_FSIZE, &normal);
+        rlimit full = normal;
+        full.rlim_cur = QFileInfo(f.path("MARVO.jrn")).size();
+        setrlimit(RLIMIT_FSIZE, &full);
+        // A fresh journal of the race is shorter than the refused one with its entries.
+        for (int i = 0; i < 2; ++i) {
+            f.tick(1);
+            f.pressF(1);
+        }
+        setrlimit(RLIMIT_FSIZE, &normal);
+        QVERIFY(f.label("aviso")->text().contains(QStringLiteral("sigue en")));
+        QVERIFY(f.label("avisoDiario")->isHidden());
+        const QStringList marked = f.lines("List1");
+        QCOMPARE(marked.size(), 14);
+        f.close(); // killed: no clean mark
+        QCOMPARE(journal::read(f.path("D/MARVO.jrn")).record.state.list1, marked);
+        f.dialogs.answers = {Dialogs::Yes};
+        f.open();
+        QCOMPARE(f.dialogs.shown.value(0).title, QStringLiteral("Recuperar la carrera"));
+        QCOMPARE(f.lines("List1"), marked);
     }
 
     void unwritableStateFile()

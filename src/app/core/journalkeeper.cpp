@@ -63,13 +63,33 @@ void JournalKeeper::setAside(const QString& path)
     QFile::rename(path, aside);
 }
 
+bool JournalKeeper::startAt(const QString& path)
+{
+    // The journal open until now stays open until the new one has taken the race.
+    auto next = std::make_unique<Journal>();
+    if (!next->start(path, race.snapshot())) {
+        startError = next->error();
+        return false;
+    }
+    journal = std::move(next);
+    journalPath = path;
+    // The start-up has dealt with the journal an abnormal end left; one still lying in the
+    // other folder is of an older race: it is kept aside, not offered again.
+    for (const QString& other : {primaryPath(), fallbackPath()}) {
+        const QFileInfo info(other);
+        if (info != QFileInfo(path) && info.isFile() && !journal::read(other).clean)
+            setAside(other);
+    }
+    return true;
+}
+
 bool JournalKeeper::start()
 {
-    if (journal.start(primaryPath(), race.snapshot()))
+    if (startAt(primaryPath()))
         return true;
     // A folder that takes no journal: the fallback folder does, as it takes the state file.
-    const QString primaryError = journal.error();
-    if (journal.start(fallbackPath(), race.snapshot())) {
+    const QString primaryError = startError;
+    if (startAt(fallbackPath())) {
         emit notice(QStringLiteral("El diario de la carrera no se puede escribir en %1 (%2): se "
                                    "escribe en %3.")
                         .arg(primaryPath(), primaryError, fallbackPath()));
@@ -83,12 +103,13 @@ bool JournalKeeper::start()
 
 void JournalKeeper::markClean()
 {
-    journal.markClean();
+    if (journal)
+        journal->markClean();
 }
 
 void JournalKeeper::follow(const RaceChange& change)
 {
-    if (!journal.isOpen())
+    if (!isOpen())
         return;
     append(change.kind == RaceChange::Kind::Values ? journal::encodeSnapshot(race.snapshot())
                                                    : journal::encodeChange(change));
@@ -103,20 +124,30 @@ void JournalKeeper::append(const QByteArray& entry)
         repair();
         return;
     }
-    if (journal.append(entry))
+    if (journal->append(entry))
         return;
+    // The race folder refuses the journal (its disk is full): it goes on, whole, in the
+    // fallback folder, where a recovery finds it.
+    const QString error = journal->error();
+    const QString refusedPath = journalPath;
+    if (QFileInfo(refusedPath) != QFileInfo(fallbackPath()) && startAt(fallbackPath())) {
+        emit notice(QStringLiteral("El diario de la carrera no se puede escribir en %1 (%2): "
+                                   "sigue en %3.")
+                        .arg(refusedPath, error, fallbackPath()));
+        return;
+    }
     broken = true;
     emit refused(QStringLiteral("No se puede escribir el diario de la carrera (%1). Lo que se "
                                 "marque sigue en pantalla; el diario se completará en cuanto se "
                                 "pueda escribir.")
-                     .arg(journal.error()));
+                     .arg(error));
     retry.start();
 }
 
 void JournalKeeper::repair()
 {
     // A new line first: whatever the failed write left is a line of its own, passed over.
-    if (!journal.append(QByteArrayLiteral("\r\n") + journal::encodeSnapshot(race.snapshot())))
+    if (!journal->append(QByteArrayLiteral("\r\n") + journal::encodeSnapshot(race.snapshot())))
         return;
     broken = false;
     retry.stop();

@@ -11,6 +11,8 @@
 #include <QString>
 #include <QTimer>
 
+#include <memory>
+
 #include <optional>
 
 class JournalKeeper : public QObject
@@ -38,7 +40,7 @@ public:
     bool start();
     // The clean mark of a normal end.
     void markClean();
-    bool isOpen() const { return journal.isOpen(); }
+    bool isOpen() const { return journal && journal->isOpen(); }
 
 signals:
     // What the operator must know, in his words.
@@ -53,11 +55,14 @@ private:
     void repair();
     QString primaryPath() const;
     QString fallbackPath() const;
+    bool startAt(const QString& path);
 
     Race& race;
     QString folder;
     QString fallbackState;
-    Journal journal;
+    std::unique_ptr<Journal> journal;
+    QString journalPath; // where the open journal is
+    QString startError;  // why the last journal could not be started
     bool broken = false;
     QTimer retry;
 };
