@@ -178,6 +178,20 @@ void FormMarvolendo::Form_Load()
                 resultline::list1Difference(finishes.last()).value_or(QString()));
         }
     }
+    // A race running on after the wall clock was set back.
+    if (const std::optional<RaceSession::ClockSetBack> wrong = session.clockSetBack()) {
+        const auto hms = [](double hours) { return basic::left(timevalue::tempsexaMil(hours), 8); };
+        const QString text =
+            QStringLiteral("La hora del equipo (%1) no cuadra con la carrera guardada: el "
+                           "reloj de carrera marcaría %2, y la última llegada anotada es de "
+                           "%3. Puede que se haya atrasado la hora del equipo.\n\n¿Seguir "
+                           "con el reloj de carrera en %3, donde estaba en la última "
+                           "llegada?")
+                .arg(clock.timeOfDay().toString(QStringLiteral("hh:mm:ss")), hms(wrong->reads),
+                     hms(wrong->lastFinish));
+        if (dialogs.ask(this, QStringLiteral("Reloj de carrera"), text) == Dialogs::Yes)
+            session.resumeAt(wrong->lastFinish);
+    }
 }
 
 void FormMarvolendo::recuperar()

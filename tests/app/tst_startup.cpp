@@ -70,6 +70,41 @@ private slots:
                  QStringLiteral("2") + s.label5 + s.label8);
     }
 
+    void wallClockSetBack_data()
+    {
+        QTest::addColumn<double>("now");    // the wall clock at the restart, seconds
+        QTest::addColumn<int>("answer");    // to the question
+        QTest::addColumn<QString>("shows"); // the race clock a second on
+        // The race started at 09:00:00; its last finish is at 00:14:02.
+        QTest::newRow("set back past the start, kept")
+            << 8 * 3600.0 + 40 * 60 << int(Dialogs::Yes) << "00:14:03";
+        QTest::newRow("set back past the last finish, kept")
+            << 9 * 3600.0 + 10 * 60 << int(Dialogs::Yes) << "00:14:03";
+        QTest::newRow("set back, the operator says no")
+            << 9 * 3600.0 + 10 * 60 << int(Dialogs::No) << "00:10:01";
+    }
+
+    void wallClockSetBack()
+    {
+        QFETCH(double, now);
+        QFETCH(int, answer);
+        QFETCH(QString, shows);
+        FormFixture f;
+        f.clock.seconds = now;
+        f.dialogs.answers = {answer};
+        f.open(runningRace());
+        QCOMPARE(f.dialogs.shown.size(), 1);
+        QCOMPARE(f.dialogs.shown[0].title, QStringLiteral("Reloj de carrera"));
+        QVERIFY(f.dialogs.shown[0].text.contains(QStringLiteral("00:14:02")));
+        f.tick(1);
+        QCOMPARE(f.label("Label1")->text(), shows);
+        // Kept, the clock goes on from there after another restart, without a question.
+        f.close();
+        f.clock.advance(1);
+        f.open();
+        QCOMPARE(f.dialogs.shown.size(), answer == Dialogs::Yes ? 1 : 2);
+    }
+
     void restoredFormatAndEmptyMode()
     {
         // A stopped race in whole seconds whose file ends before the capture mode.

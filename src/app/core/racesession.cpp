@@ -11,6 +11,9 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <algorithm>
+#include <cmath>
+
 namespace
 {
 
@@ -190,6 +193,34 @@ void RaceSession::stop()
     model.setInicio(0);
     model.setDesfase(0);
     model.setHoraSalida(basic::fitFixed(QStringLiteral("0"), 5));
+}
+
+std::optional<RaceSession::ClockSetBack> RaceSession::clockSetBack() const
+{
+    if (!model.running())
+        return std::nullopt;
+    const double reads = runClock.hours(model.state().desfase);
+    double lastFinish = 0;
+    for (const QString& line : model.list1()) {
+        if (const std::optional<QString> time = resultline::list1Time(line))
+            lastFinish = std::max(lastFinish, finishedit::hoursOf(*time));
+    }
+    // A whole second of slack: the lines keep their times cut to the format.
+    if (reads + 1.0 / timevalue::secondsPerHour < lastFinish || reads > 12.0)
+        return ClockSetBack{reads, lastFinish};
+    return std::nullopt;
+}
+
+void RaceSession::resumeAt(double hours)
+{
+    constexpr double secondsPerDay = 86400.0;
+    const double run = (hours - model.state().desfase) * timevalue::secondsPerHour;
+    double inicio = std::fmod(clock.timer() - run, secondsPerDay);
+    if (inicio < 0)
+        inicio += secondsPerDay;
+    model.setInicio(inicio == 0 ? 1e-6 : inicio);
+    anchorRun();
+    save();
 }
 
 void RaceSession::readClock()

@@ -73,6 +73,16 @@ public:
     void start(double startTimer, const QTime& startTime);
     // Stops the clock at its last reading.
     void stop();
+    // A running race started again after the wall clock was set back: the race clock would
+    // read earlier than its last finish, or more than 12 hours on (a start saved later than
+    // now). What it would read, and the last finish's time, in hours; none when it reads right.
+    struct ClockSetBack {
+        double reads = 0;
+        double lastFinish = 0;
+    };
+    std::optional<ClockSetBack> clockSetBack() const;
+    // The running clock moved to read `hours` now, as if started that much earlier.
+    void resumeAt(double hours);
     // Reads the running clock: tempsActual, and the difference to the first finisher.
     void readClock();
     double hours() const { return runningHours; }
