@@ -2,12 +2,14 @@
 
 #include "base/basic.h"
 #include "base/cp1252.h"
+#include "base/fileerror.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <limits>
@@ -391,9 +393,12 @@ bool Journal::start(const QString& path, const RaceRecord& snapshot)
         writer->stop();
     writer = std::make_unique<Writer>();
     writer->file.setFileName(path);
-    if (QFileInfo(path).isDir() ||
-        !writer->file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
-        writer->error = writer->file.errorString();
+    if (QFileInfo(path).isDir()) {
+        writer->error = QStringLiteral("%1 es una carpeta").arg(path);
+        return false;
+    }
+    if (!writer->file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        writer->error = fileerror::describe(writer->file, errno);
         writer->file.close();
         return false;
     }
@@ -406,7 +411,9 @@ bool Journal::append(const QByteArray& bytes)
     if (!writer || !writer->file.isOpen())
         return false;
     if (writer->file.write(bytes) != bytes.size()) {
-        writer->error = writer->file.errorString();
+        // A write the disk cut short (it is full) leaves no error of Qt's: the reason comes from
+        // the system's error number.
+        writer->error = fileerror::describe(writer->file, errno);
         return false;
     }
     {
