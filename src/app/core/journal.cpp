@@ -347,11 +347,8 @@ Contents decode(QByteArrayView bytes, const std::optional<RaceRecord>& base)
         }
         const QByteArrayView line = bytes.sliced(pos, end - pos);
         pos = end + 2;
-        // A line torn by a crash or a full disk, damaged, or of absurd length is passed over:
-        // the entries after it are still read. An empty line is no entry: the journal keeper
-        // puts one after a write the disk refused.
-        if (line.isEmpty())
-            continue;
+        // A line torn by a crash or a full disk, damaged, emptied, or of absurd length is passed
+        // over: the entries after it are still read.
         const std::optional<Entry> entry = entryOf(line);
         if (!entry) {
             skip();

@@ -160,13 +160,17 @@ private slots:
         QTest::addColumn<bool>("withBase");
         QTest::addColumn<bool>("valid");
         QTest::addColumn<QList<int>>("minutes"); // of the finishes read, in rank order
-        QTest::newRow("snapshot, onto the state file") << 0 << 0 << true << true << QList{1, 2, 3};
+        QTest::addColumn<bool>("emptied");       // the whole line gone, its line end left
+        QTest::newRow("snapshot, onto the state file")
+            << 0 << 0 << true << true << QList{1, 2, 3} << false;
         QTest::newRow("snapshot, the state file holds the first finish")
-            << 0 << 1 << true << true << QList{1, 2, 3};
-        QTest::newRow("snapshot, no state file") << 0 << 0 << false << false << QList<int>{};
-        QTest::newRow("first finish") << 1 << 0 << true << true << QList{2, 3};
-        QTest::newRow("middle finish") << 2 << 0 << false << true << QList{1, 3};
-        QTest::newRow("last finish") << 3 << 0 << true << true << QList{1, 2};
+            << 0 << 1 << true << true << QList{1, 2, 3} << false;
+        QTest::newRow("snapshot, no state file")
+            << 0 << 0 << false << false << QList<int>{} << false;
+        QTest::newRow("first finish") << 1 << 0 << true << true << QList{2, 3} << false;
+        QTest::newRow("middle finish") << 2 << 0 << false << true << QList{1, 3} << false;
+        QTest::newRow("last finish") << 3 << 0 << true << true << QList{1, 2} << false;
+        QTest::newRow("middle finish emptied") << 2 << 0 << true << true << QList{1, 3} << true;
     }
 
     void damagedEntryCostsThatEntryOnly()
@@ -176,11 +180,15 @@ private slots:
         QFETCH(bool, withBase);
         QFETCH(bool, valid);
         QFETCH(QList<int>, minutes);
+        QFETCH(bool, emptied);
         QList<QByteArray> entries{journal::encodeSnapshot(startRecord())};
         for (int rank = 1; rank <= 3; ++rank)
             entries << journal::encodeChange(finish(rank));
         QByteArray& hit = entries[damaged];
-        hit[hit.size() / 2] = hit[hit.size() / 2] == '#' ? '$' : '#';
+        if (emptied)
+            hit = "\r\n";
+        else
+            hit[hit.size() / 2] = hit[hit.size() / 2] == '#' ? '$' : '#';
         RaceRecord saved = startRecord();
         for (int rank = 1; rank <= savedFinishes; ++rank)
             applyChange(saved, finish(rank));
