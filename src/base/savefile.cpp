@@ -1,8 +1,12 @@
 #include "savefile.h"
 
+#include "fileerror.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
+
+#include <cerrno>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
@@ -15,20 +19,13 @@ namespace savefile
 namespace
 {
 
-// The system's reason, in the operator's language where it is a common one.
-QString reason(const QFileDevice& file, const QString& path)
+// The reason in the operator's language, from the system's error number taken where the
+// operation failed.
+QString reason(const QFileDevice& file, const QString& path, int systemError)
 {
-    const QString text = file.errorString();
     if (!QFileInfo(QFileInfo(path).absolutePath()).isDir())
         return QStringLiteral("la carpeta %1 no existe").arg(QFileInfo(path).absolutePath());
-    if (text.contains(QLatin1String("No space"), Qt::CaseInsensitive))
-        return QStringLiteral("el disco está lleno");
-    if (text.contains(QLatin1String("Permission"), Qt::CaseInsensitive) ||
-        text.contains(QLatin1String("Read-only"), Qt::CaseInsensitive))
-        return QStringLiteral("no hay permiso de escritura");
-    if (file.error() == QFileDevice::WriteError)
-        return QStringLiteral("error de escritura (%1)").arg(text);
-    return QStringLiteral("no se pudo abrir (%1)").arg(text);
+    return fileerror::describe(file, systemError);
 }
 
 } // namespace
@@ -56,20 +53,17 @@ QString write(const QString& path, const QByteArray& bytes, FolderSync sync)
     // it is written in place, as the old program always did.
     file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly))
-        return reason(file, path);
+        return reason(file, path, errno);
     // A write cut short without an error is how a full disk shows (and commit() would then
     // report success over the truncated file).
     const qint64 written = file.write(bytes);
     if (written != bytes.size() || !file.flush()) {
-        const QString why =
-            written >= 0 && written < bytes.size() && file.error() == QFileDevice::NoError
-                ? QStringLiteral("el disco está lleno")
-                : reason(file, path);
+        const QString why = reason(file, path, errno);
         file.cancelWriting();
         return why;
     }
     if (!file.commit())
-        return reason(file, path);
+        return reason(file, path, errno);
     if (sync == FolderSync::Now)
         syncFolder(path);
     return {};

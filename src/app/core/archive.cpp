@@ -52,7 +52,9 @@ QList<Kept> list(const QString& folder)
         if (!k.when.isValid())
             k.when = file.lastModified();
         const statefile::Restored r = statefile::read(k.path);
-        k.readable = r.complete;
+        // A kept race is written whole: a file that was cut, damaged or never a state file (random
+        // bytes read as a race of no finishes) is unreadable.
+        k.readable = r.complete && !r.damaged;
         k.race = r.state;
         kept << k;
     }

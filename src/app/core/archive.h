@@ -26,7 +26,7 @@ QString keep(const QString& folder, const RaceState& race, const QDateTime& when
 struct Kept {
     QString path;
     QDateTime when;
-    bool readable = false; // a whole state file
+    bool readable = false; // a whole state file that read cleanly
     RaceState race;
 };
 // The kept races, newest first; a damaged file is listed as unreadable.

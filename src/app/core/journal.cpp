@@ -2,12 +2,15 @@
 
 #include "base/basic.h"
 #include "base/cp1252.h"
+#include "base/fileerror.h"
+#include "results/core/resultline.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <limits>
@@ -206,6 +209,67 @@ std::optional<RaceChange> changeOf(char kind, const QList<QByteArrayView>& f)
     return c;
 }
 
+struct Entry {
+    char kind = 0;
+    QList<QByteArrayView> fields; // the kind first, without the checksum
+};
+
+// The entry a line holds, when its checksum matches.
+std::optional<Entry> entryOf(QByteArrayView line)
+{
+    if (line.size() > maxLineLength)
+        return std::nullopt;
+    const qsizetype lastTab = line.lastIndexOf('\t');
+    if (lastTab < 1)
+        return std::nullopt;
+    bool ok = false;
+    const uint sum = line.sliced(lastTab + 1).toUInt(&ok);
+    if (!ok || sum != qChecksum(line.first(lastTab)))
+        return std::nullopt;
+    return Entry{line[0], fields(line.first(lastTab))};
+}
+
+// A finish whose lines already stand at their rank.
+bool alreadyThere(const RaceState& s, const RaceChange& c)
+{
+    if (c.kind != RaceChange::Kind::Finish || !c.hasLines)
+        return false;
+    const qsizetype at = resultline::rankOf(c.list1Line) - 1;
+    return at >= 0 && at < s.list1.size() && at < s.combo1.size() && s.list1[at] == c.list1Line &&
+           s.combo1[at] == c.combo1Line;
+}
+
+bool ranksInOrder(const QStringList& lines)
+{
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        if (resultline::rankOf(lines[i]) != i + 1)
+            return false;
+    }
+    return true;
+}
+
+void renumber(QStringList& lines)
+{
+    for (qsizetype i = 0; i < lines.size(); ++i)
+        lines[i] = resultline::withRank(lines[i], static_cast<int>(i + 1));
+}
+
+// After a lost entry (a finish, an insertion) the ranks are numbered 1 to n again, as a removal
+// leaves them, and the rank counter follows.
+void closeRankGaps(RaceRecord& r)
+{
+    RaceState& s = r.state;
+    bool renumbered = false;
+    for (QStringList* lines : {&s.list1, &s.combo1}) {
+        if (!ranksInOrder(*lines)) {
+            renumber(*lines);
+            renumbered = true;
+        }
+    }
+    if (renumbered)
+        r.label2 = basic::digits(double(s.list1.size()));
+}
+
 } // namespace
 
 QByteArray encodeSnapshot(const RaceRecord& r)
@@ -265,61 +329,80 @@ QByteArray encodeClean()
     return entry('E', {});
 }
 
-Contents decode(QByteArrayView bytes)
+Contents decode(QByteArrayView bytes, const std::optional<RaceRecord>& base)
 {
     Contents c;
+    int lostSinceSnapshot = 0;    // entries passed over since the snapshot the race comes from
+    bool replayingOnBase = false; // the race comes from the base, not from a snapshot
+    const auto skip = [&] {
+        ++c.skipped;
+        ++lostSinceSnapshot;
+    };
     qsizetype pos = 0;
     while (pos < bytes.size()) {
         const qsizetype end = bytes.indexOf("\r\n", pos);
-        if (end < 0)
-            break; // cut off by the crash
+        if (end < 0) {
+            skip(); // cut off by the crash
+            break;
+        }
         const QByteArrayView line = bytes.sliced(pos, end - pos);
         pos = end + 2;
-        // A line torn by a crash or a full disk, damaged, or of absurd length is passed over:
-        // the entries after it are still read.
-        if (line.size() > maxLineLength)
+        // A line torn by a crash or a full disk, damaged, emptied, or of absurd length is passed
+        // over: the entries after it are still read.
+        const std::optional<Entry> entry = entryOf(line);
+        if (!entry) {
+            skip();
             continue;
-        const qsizetype lastTab = line.lastIndexOf('\t');
-        if (lastTab < 1)
-            continue;
-        bool ok = false;
-        const uint sum = line.sliced(lastTab + 1).toUInt(&ok);
-        if (!ok || sum != qChecksum(line.first(lastTab)))
-            continue;
-        const QList<QByteArrayView> f = fields(line.first(lastTab));
-        const char kind = line[0];
-        if (kind == 'S') {
-            if (!applySnapshot(f, &c.record))
+        }
+        if (entry->kind == 'S') {
+            if (!applySnapshot(entry->fields, &c.record)) {
+                skip();
                 continue;
+            }
             if (c.valid)
                 ++c.changes;
             c.valid = true;
             c.clean = false;
+            lostSinceSnapshot = 0;
+            replayingOnBase = false;
             continue;
         }
-        if (!c.valid)
-            continue;
-        if (kind == 'E' && f.size() == 1) {
-            c.clean = true;
+        if (entry->kind == 'E' && entry->fields.size() == 1) {
+            c.clean = c.valid;
             continue;
         }
-        const std::optional<RaceChange> change = changeOf(kind, f);
-        if (!change)
+        const std::optional<RaceChange> change = changeOf(entry->kind, entry->fields);
+        if (!change || (!c.valid && !base)) {
+            skip();
             continue;
+        }
+        if (!c.valid) {
+            // The first snapshot is lost: the changes go onto the race of the state file.
+            c.record = *base;
+            c.valid = true;
+            c.onBase = true;
+            replayingOnBase = true;
+        }
+        RaceChange applied = *change;
+        // The state file was saved after this finish: only its captions are taken.
+        if (replayingOnBase && alreadyThere(c.record.state, applied))
+            applied.hasLines = false;
         // A change that does not fit the lines (a line past the end) is left out.
-        ::applyChange(c.record, *change);
+        ::applyChange(c.record, applied);
         ++c.changes;
         c.clean = false;
     }
+    if (c.valid && lostSinceSnapshot > 0)
+        closeRankGaps(c.record);
     return c;
 }
 
-Contents read(const QString& path)
+Contents read(const QString& path, const std::optional<RaceRecord>& base)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    return decode(file.readAll());
+    return decode(file.readAll(), base);
 }
 
 } // namespace journal
@@ -391,9 +474,12 @@ bool Journal::start(const QString& path, const RaceRecord& snapshot)
         writer->stop();
     writer = std::make_unique<Writer>();
     writer->file.setFileName(path);
-    if (QFileInfo(path).isDir() ||
-        !writer->file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
-        writer->error = writer->file.errorString();
+    if (QFileInfo(path).isDir()) {
+        writer->error = QStringLiteral("%1 es una carpeta").arg(path);
+        return false;
+    }
+    if (!writer->file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        writer->error = fileerror::describe(writer->file, errno);
         writer->file.close();
         return false;
     }
@@ -406,7 +492,9 @@ bool Journal::append(const QByteArray& bytes)
     if (!writer || !writer->file.isOpen())
         return false;
     if (writer->file.write(bytes) != bytes.size()) {
-        writer->error = writer->file.errorString();
+        // A write the disk cut short (it is full) leaves no error of Qt's: the reason comes from
+        // the system's error number.
+        writer->error = fileerror::describe(writer->file, errno);
         return false;
     }
     {

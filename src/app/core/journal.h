@@ -13,6 +13,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace journal
 {
@@ -28,15 +29,23 @@ QByteArray encodeChange(const RaceChange& change);
 QByteArray encodeClean();
 
 // What a journal holds. An entry cut off by a crash or a full disk, or damaged, is passed over
-// and the reading goes on: a later snapshot or any later whole entry is still used.
+// and the reading goes on: a later snapshot or any later whole entry is still used. When no
+// snapshot could be read before the first readable change, the changes are applied to `base`
+// (the race of the state file) when one is given, and are passed over when none is; a finish
+// the base already holds at its rank (the state file was saved after it) is not added again.
+// When entries after the last snapshot read were passed over and the ranks of List1 or Combo1
+// no longer run 1 to n (a finish was lost), they are numbered again as a removal leaves them,
+// and the rank counter follows.
 struct Contents {
-    bool valid = false; // it began with a snapshot
-    bool clean = false; // its last entry is the clean mark
-    int changes = 0;    // entries after the first snapshot
-    RaceRecord record;  // the race as the last entry left it
+    bool valid = false;  // it began with a snapshot, or its changes went onto the base
+    bool onBase = false; // no snapshot came before its first change: the base took them
+    bool clean = false;  // its last entry is the clean mark
+    int changes = 0;     // entries after the first snapshot (or applied to the base)
+    int skipped = 0;     // entries passed over: damaged, cut off, or with nothing to apply to
+    RaceRecord record;   // the race as the last entry left it
 };
-Contents decode(QByteArrayView bytes);
-Contents read(const QString& path);
+Contents decode(QByteArrayView bytes, const std::optional<RaceRecord>& base = std::nullopt);
+Contents read(const QString& path, const std::optional<RaceRecord>& base = std::nullopt);
 
 } // namespace journal
 

@@ -110,9 +110,61 @@ QByteArray encode(const RaceState& s)
     return cp1252::encodeLines(lines);
 }
 
-Restored decode(QByteArrayView bytes)
+namespace
 {
-    Restored r;
+
+// Lines 9 on: the count N, the N pairs of Combo1 and List1 lines, the count M and the M lines of
+// List2, in `rest`.
+void readLists(const QStringList& rest, Restored& r)
+{
+    RaceState& s = r.state;
+    const qsizetype size = rest.size();
+    // The count N is read as a delimited field, M as a whole line; a count that is not a number
+    // counts 0.
+    Variant v;
+    const bool countRead = numberField(rest[0], &v);
+    const qint64 n = countRead ? count(number(v)) : 0;
+    const auto takePairs = [&](qsizetype end) {
+        for (qsizetype i = 1; i < end; ++i)
+            (i % 2 == 1 ? s.combo1 : s.list1) << rest[i];
+    };
+
+    // A whole file: the count M stands right after the pairs, and M lines end the file.
+    double m = 0;
+    if (countRead && 1 + 2 * n < size && basic::isNumber(rest[1 + 2 * n], &m) &&
+        2 + 2 * n + count(m) == size) {
+        takePairs(1 + 2 * n);
+        s.list2 = rest.mid(2 + 2 * n);
+        r.complete = true;
+        return;
+    }
+
+    // The counts and the lines disagree: a count was damaged, or the file was cut. No results or
+    // start-order line is a number, so the first number line after N is M, and the lines before
+    // it are the pairs, whatever N says. With no number line there, M itself was damaged: the
+    // pairs are as many as N says, when that many lines follow; otherwise every line to the end
+    // of a cut file is a pair line. The start order runs from M to the end of the file.
+    r.damaged = true;
+    qsizetype mAt = -1;
+    for (qsizetype i = 1; i < size && mAt < 0; ++i) {
+        if (basic::isNumber(rest[i]))
+            mAt = i;
+    }
+    if (mAt < 0 && countRead && 1 + 2 * n < size)
+        mAt = 1 + 2 * n;
+    takePairs(mAt < 0 ? size : mAt);
+    if (mAt < 0)
+        return;
+    s.list2 = rest.mid(mAt + 1);
+    const bool mRead = basic::isNumber(rest[mAt], &m);
+    // Blank lines past the start order its count announces are no start lines.
+    while (mRead && s.list2.size() > count(m) && s.list2.last().isEmpty())
+        s.list2.removeLast();
+    r.complete = mRead && count(m) <= s.list2.size();
+}
+
+void readInto(QByteArrayView bytes, Restored& r)
+{
     RaceState& s = r.state;
     LineReader in(bytes);
     QString line;
@@ -121,66 +173,67 @@ Restored decode(QByteArrayView bytes)
     // Lines 1-8: each value is taken only when its line could be read as such; a line that
     // is not a number is skipped and the next one is read all the same.
     if (!in.next(&line))
-        return r;
+        return;
     if (numberField(line, &v))
         s.inicio = number(v) / 1e6;
+    else
+        r.damaged = true;
     r.headerLines = 1;
     if (!in.next(&line))
-        return r;
+        return;
     if (numberField(line, &v))
         s.desfase = number(v) / 1e12;
+    else
+        r.damaged = true;
     r.headerLines = 2;
     if (!in.next(&line))
-        return r;
+        return;
     s.horaSalida = basic::fitFixed(line, 5);
     r.headerLines = 3;
     if (!in.next(&line))
-        return r;
+        return;
     s.tempsPrimer = field(line);
     r.headerLines = 4;
     if (!in.next(&line))
-        return r;
+        return;
     s.label5 = line;
     r.headerLines = 5;
     if (!in.next(&line))
-        return r;
+        return;
     s.label8 = line;
     r.headerLines = 6;
     if (!in.next(&line))
-        return r;
+        return;
     if (numberField(line, &v))
         s.formato = v;
+    else
+        r.damaged = true;
     r.headerLines = 7;
     if (!in.next(&line))
-        return r;
+        return;
     if (numberField(line, &v))
         s.modoCaptura = v;
+    else
+        r.damaged = true;
     r.headerLines = 8;
 
-    // Line 9 onward: the pairs, then the start order. A count that is not a number counts 0.
-    if (!in.next(&line))
-        return r;
-    const qint64 n = numberField(line, &v) ? count(number(v)) : 0;
-    for (qint64 i = 0; i < n; ++i) {
-        if (!in.next(&line))
-            return r;
-        s.combo1 << line;
-        if (!in.next(&line))
-            return r;
-        s.list1 << line;
-    }
-    double m = 0;
-    if (!in.next(&line))
-        return r;
-    if (!basic::isNumber(line, &m))
-        m = 0;
-    const qint64 mm = count(m);
-    for (qint64 j = 0; j < mm; ++j) {
-        if (!in.next(&line))
-            return r;
-        s.list2 << line;
-    }
-    r.complete = true;
+    QStringList rest;
+    while (in.next(&line))
+        rest << line;
+    if (!rest.isEmpty())
+        readLists(rest, r);
+}
+
+} // namespace
+
+Restored decode(QByteArrayView bytes)
+{
+    Restored r;
+    readInto(bytes, r);
+    // A file that ends before its last value did not read cleanly either; an empty one holds
+    // nothing to keep.
+    if (!r.complete && !bytes.isEmpty())
+        r.damaged = true;
     return r;
 }
 

@@ -29,11 +29,17 @@ QByteArray encode(const RaceState& state);
 
 // What the reader restored. It never fails: a numeric line that is not a number is skipped
 // (its value keeps its start-up value) and reading goes on; reading stops where the file
-// ends, and every value after that keeps its start-up value.
+// ends, and every value after that keeps its start-up value. When the counts N and M disagree
+// with the lines there (a damaged count), the lines are read as they stand: the pairs up to the
+// line that reads as M (no results line is a number), the start order from there to the end.
 struct Restored {
     RaceState state;
-    int headerLines = 0; // how many of lines 1-8 were read
-    bool complete = false;
+    int headerLines = 0;   // how many of lines 1-8 were read
+    bool complete = false; // the file held every line its counts announce
+    // The file did not read cleanly: a count disagreed with the lines, a line that should be a
+    // number was not, or the file ends before its last value. Worth keeping as it is before it
+    // is written over.
+    bool damaged = false;
 };
 Restored decode(QByteArrayView bytes);
 Restored read(const QString& path);

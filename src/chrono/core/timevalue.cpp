@@ -22,35 +22,26 @@ QString tempsexaMil(double tempsdeci)
 {
     if (!std::isfinite(tempsdeci))
         tempsdeci = 0;
+    // Each field is taken from what the field before it left over, before any carry: a value a
+    // rounding hair below a whole minute or hour (a sum of hours a hair below zero) leaves
+    // 60 minutes and nothing over, which the carries then make one more hour.
     double h = std::floor(tempsdeci);
     const double mdec = (tempsdeci - h) * 60.0;
     double m = std::floor(mdec);
-    if (m == 60) {
-        m = 0;
-        h += 1;
-    }
     const double sdec = (mdec - m) * 60.0;
     double s = std::floor(sdec);
-    if (s == 60) {
-        s = 0;
-        m += 1;
-        if (m == 60) {
-            m = 0;
-            h += 1;
-        }
-    }
     double ms = std::nearbyint((sdec - s) * 1000.0); // ties to even
     if (ms == 1000) {
         ms = 0;
         s += 1;
-        if (s == 60) {
-            s = 0;
-            m += 1;
-        }
-        if (m == 60) {
-            m = 0;
-            h += 1;
-        }
+    }
+    if (s == 60) {
+        s = 0;
+        m += 1;
+    }
+    if (m == 60) {
+        m = 0;
+        h += 1;
     }
     // Only the last two digits of the hours are shown; keep the number small enough to print
     // while keeping those digits and the sign.

@@ -12,7 +12,8 @@ namespace timevalue
 {
 
 // Hours to hh:mm:ss:mmm. Hours, minutes and seconds are truncated, only the thousandths are
-// rounded (half to even); carries run after each step so no field ever holds 60 or 1000.
+// rounded (half to even); the carries run after the rounding so no field ever holds 60 or 1000,
+// and a value a rounding hair from a whole thousandth is written as that thousandth.
 // Hours keep their last two digits (a negative hour keeps its sign: -1:59:00:000).
 QString tempsexaMil(double tempsdeci);
 

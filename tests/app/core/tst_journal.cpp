@@ -1,8 +1,14 @@
 #include "app/core/journal.h"
 
+#include "app/core/race.h"
+
+#include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <unistd.h>
 
 namespace
 {
@@ -20,13 +26,24 @@ RaceRecord startRecord()
     return r;
 }
 
+// The lines of the finish at `minute` standing at `rank`.
+QString combo1Line(int rank, int minute)
+{
+    return QStringLiteral("%1- 00:0%2:00 - 0:00:00").arg(rank, 4).arg(minute);
+}
+
+QString list1Line(int rank, int minute)
+{
+    return QStringLiteral("%1-   0- 00:0%2:00 - 0:00:00").arg(rank, 4).arg(minute);
+}
+
 RaceChange finish(int rank, bool lines = true)
 {
     RaceChange e;
     e.label2 = QString::number(rank);
     e.hasLines = lines;
-    e.combo1Line = QStringLiteral("%1- 00:0%2:00 - 0:00:00").arg(rank, 4).arg(rank);
-    e.list1Line = QStringLiteral("%1-   0- 00:0%2:00 - 0:00:00").arg(rank, 4).arg(rank);
+    e.combo1Line = combo1Line(rank, rank);
+    e.list1Line = list1Line(rank, rank);
     e.tempsPrimer = QStringLiteral("00:01:00");
     e.label4 = QStringLiteral("00:01:00");
     e.label5 = QStringLiteral("00:0%1:00").arg(rank);
@@ -115,7 +132,10 @@ private slots:
         const journal::Contents afterBad =
             journal::decode(start + bad + journal::encodeChange(finish(2)));
         QCOMPARE(afterBad.changes, 1);
-        QCOMPARE(afterBad.record.label2, QStringLiteral("2"));
+        QCOMPARE(afterBad.skipped, 1);
+        // The finish left takes the rank of the lost one.
+        QCOMPARE(afterBad.record.state.list1, QStringList{list1Line(1, 2)});
+        QCOMPARE(afterBad.record.label2, QStringLiteral("1"));
         RaceRecord later = startRecord();
         later.state.list1 = later.state.combo1 = {QStringLiteral("after the disk was freed")};
         const QByteArray torn = journal::encodeChange(finish(1)).first(20);
@@ -129,6 +149,66 @@ private slots:
         QVERIFY(journal::decode(start + journal::encodeClean()).clean);
         QVERIFY(!journal::decode(start + journal::encodeClean() + journal::encodeChange(finish(1)))
                      .clean);
+    }
+
+    void damagedEntryCostsThatEntryOnly_data()
+    {
+        // A snapshot and the finishes at minutes 1, 2 and 3, one entry of which is damaged; the
+        // state file holds the race as it was before the first finish, or after it.
+        QTest::addColumn<int>("damaged");
+        QTest::addColumn<int>("savedFinishes");
+        QTest::addColumn<bool>("withBase");
+        QTest::addColumn<bool>("valid");
+        QTest::addColumn<QList<int>>("minutes"); // of the finishes read, in rank order
+        QTest::addColumn<bool>("emptied");       // the whole line gone, its line end left
+        QTest::newRow("snapshot, onto the state file")
+            << 0 << 0 << true << true << QList{1, 2, 3} << false;
+        QTest::newRow("snapshot, the state file holds the first finish")
+            << 0 << 1 << true << true << QList{1, 2, 3} << false;
+        QTest::newRow("snapshot, no state file")
+            << 0 << 0 << false << false << QList<int>{} << false;
+        QTest::newRow("first finish") << 1 << 0 << true << true << QList{2, 3} << false;
+        QTest::newRow("middle finish") << 2 << 0 << false << true << QList{1, 3} << false;
+        QTest::newRow("last finish") << 3 << 0 << true << true << QList{1, 2} << false;
+        QTest::newRow("middle finish emptied") << 2 << 0 << true << true << QList{1, 3} << true;
+    }
+
+    void damagedEntryCostsThatEntryOnly()
+    {
+        QFETCH(int, damaged);
+        QFETCH(int, savedFinishes);
+        QFETCH(bool, withBase);
+        QFETCH(bool, valid);
+        QFETCH(QList<int>, minutes);
+        QFETCH(bool, emptied);
+        QList<QByteArray> entries{journal::encodeSnapshot(startRecord())};
+        for (int rank = 1; rank <= 3; ++rank)
+            entries << journal::encodeChange(finish(rank));
+        QByteArray& hit = entries[damaged];
+        if (emptied)
+            hit = "\r\n";
+        else
+            hit[hit.size() / 2] = hit[hit.size() / 2] == '#' ? '$' : '#';
+        RaceRecord saved = startRecord();
+        for (int rank = 1; rank <= savedFinishes; ++rank)
+            applyChange(saved, finish(rank));
+        const journal::Contents c =
+            journal::decode(entries.join(), withBase ? std::optional(saved) : std::nullopt);
+        QCOMPARE(c.valid, valid);
+        QCOMPARE(c.onBase, valid && damaged == 0);
+        QCOMPARE(c.skipped, valid ? 1 : 4); // without a snapshot, every change is passed over
+        if (!valid)
+            return;
+        QStringList list1;
+        QStringList combo1;
+        for (int i = 0; i < minutes.size(); ++i) {
+            list1 << list1Line(i + 1, minutes[i]);
+            combo1 << combo1Line(i + 1, minutes[i]);
+        }
+        QCOMPARE(c.record.state.list1, list1);
+        QCOMPARE(c.record.state.combo1, combo1);
+        QCOMPARE(c.record.state.list2, startRecord().state.list2);
+        QCOMPARE(c.record.label2, QString::number(minutes.size())); // the next finish follows
     }
 
     void writerAppendsAndMarksClean()
@@ -152,6 +232,58 @@ private slots:
         Journal again;
         QVERIFY(again.start(path, startRecord()));
         QCOMPARE(journal::read(path).changes, 0);
+    }
+
+    void refusedJournalSaysWhy_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("full disk") << "/dev/full"
+                                   << "no queda espacio en el disco";
+        QTest::newRow("missing folder") << "missing/MARVO.jrn"
+                                        << "la carpeta o el archivo no existe";
+        QTest::newRow("a folder of that name") << "MARVO.jrn"
+                                               << "MARVO.jrn es una carpeta";
+    }
+
+    void refusedJournalSaysWhy()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, reason);
+        if (path.startsWith(u'/') && !QFile::exists(path))
+            QSKIP("no such device here");
+        QTemporaryDir dir;
+        QDir(dir.path()).mkdir(QStringLiteral("MARVO.jrn"));
+        Journal j;
+        QVERIFY(!j.start(path.startsWith(u'/') ? path : dir.filePath(path), startRecord()));
+        QVERIFY2(j.error().endsWith(reason), qPrintable(j.error()));
+    }
+
+    void fullDiskSaysSo()
+    {
+        // The disk fills in the middle of an entry: the system takes part of it and tells Qt
+        // nothing, and the reason comes from the system's error number.
+        if (::geteuid() != 0)
+            QSKIP("a full disk needs a tmpfs mount, which needs root");
+        QTemporaryDir dir;
+        const QString disk = dir.filePath(QStringLiteral("disk"));
+        QDir().mkpath(disk);
+        if (QProcess::execute(QStringLiteral("mount"),
+                              {QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
+                               QStringLiteral("size=64k"), QStringLiteral("tmpfs"), disk}) != 0)
+            QSKIP("mounting a small tmpfs is not allowed here");
+        const auto unmount = qScopeGuard([&] {
+            QProcess::execute(QStringLiteral("umount"), {QStringLiteral("-l"), disk});
+        });
+        Journal j;
+        QVERIFY(j.start(disk + QStringLiteral("/MARVO.jrn"), startRecord()));
+        RaceChange big = finish(1);
+        big.list1Line = QString(1000, u'x'); // 64 KiB is not a whole number of these entries
+        int appended = 0;
+        while (appended < 1000 && j.append(journal::encodeChange(big)))
+            ++appended;
+        QVERIFY(appended < 1000);
+        QCOMPARE(j.error(), QStringLiteral("no queda espacio en el disco"));
     }
 };
 

@@ -65,6 +65,7 @@ private slots:
     {
         const statefile::Restored r = statefile::decode(statefile::encode(sampleRace()));
         QVERIFY(r.complete);
+        QVERIFY(!r.damaged);
         QCOMPARE(r.state, sampleRace());
         QVERIFY(!statefile::decode(statefile::encode(RaceState())).state.modoCaptura.has_value());
     }
@@ -115,6 +116,7 @@ private slots:
                 cut += lines[i] + '\n';
             const statefile::Restored r = statefile::decode(cut);
             QCOMPARE(r.headerLines, qMin(kept, 8));
+            QCOMPARE(r.damaged, kept > 0 && kept < 15);
             QCOMPARE(r.state.inicio, kept >= 1 ? full.inicio : 0.0);
             QCOMPARE(r.state.formato, kept >= 7 ? full.formato : Variant(2.0));
             QCOMPARE(r.state.modoCaptura, kept >= 8 ? full.modoCaptura : Variant());
@@ -153,6 +155,44 @@ private slots:
             expected.modoCaptura = fresh.modoCaptura;
         QCOMPARE(r.state, expected);
         QVERIFY(r.complete);
+        QVERIFY(r.damaged);
+    }
+
+    void damagedCountKeepsTheLines_data()
+    {
+        // A file of three finishes and two start lines, one count line of which is damaged.
+        QTest::addColumn<int>("line");
+        QTest::addColumn<QByteArray>("damage");
+        QTest::addColumn<bool>("complete");
+        QTest::newRow("finish count not a number") << 9 << QByteArray(" 3O ") << true;
+        QTest::newRow("finish count empty") << 9 << QByteArray() << true;
+        QTest::newRow("finish count smaller") << 9 << QByteArray(" 1 ") << true;
+        QTest::newRow("finish count larger than the lines there") << 9 << QByteArray(" 4 ") << true;
+        QTest::newRow("finish count far too large") << 9 << QByteArray(" 2E+9 ") << true;
+        QTest::newRow("start count not a number") << 16 << QByteArray(" 2x ") << false;
+        QTest::newRow("start count smaller") << 16 << QByteArray(" 1 ") << true;
+        QTest::newRow("start count larger") << 16 << QByteArray(" 3 ") << false;
+    }
+
+    void damagedCountKeepsTheLines()
+    {
+        QFETCH(int, line);
+        QFETCH(QByteArray, damage);
+        QFETCH(bool, complete);
+        RaceState race = sampleRace();
+        race.combo1 << QStringLiteral("   3- 00:15:00:000 - 0:02:29:875");
+        race.list1 << QStringLiteral("   3-   8- 00:15:00:000 - 0:02:29:875");
+        race.list2 << QStringLiteral("   2-  31 - 0:11:00");
+        QList<QByteArray> lines = statefile::encode(race).split('\n');
+        QCOMPARE(lines[line - 1], line == 9 ? QByteArray(" 3 \r") : QByteArray(" 2 \r"));
+        lines[line - 1] = damage + '\r';
+        const statefile::Restored r = statefile::decode(lines.join('\n'));
+        QCOMPARE(r.state.combo1, race.combo1);
+        QCOMPARE(r.state.list1, race.list1);
+        QCOMPARE(r.state.list2, race.list2);
+        QCOMPARE(r.state.tempsPrimer, race.tempsPrimer);
+        QCOMPARE(r.complete, complete);
+        QVERIFY(r.damaged);
     }
 
     void garbageAndHugeFiles()
@@ -162,6 +202,7 @@ private slots:
             " 0 \r\n 0 \r\n\r\n\r\n\r\n\r\n 2 \r\n 0 \r\n 1E+300 \r\na\r\nb\r\nc\r\n");
         QCOMPARE(big.state.combo1, (QStringList{"a", "c"}));
         QCOMPARE(big.state.list1, QStringList{"b"});
+        QVERIFY(big.damaged);
         // An 8 MiB line is cut at a sane length instead of being read whole, and the lines after
         // it are read; a missing file restores nothing.
         QTemporaryDir dir;
@@ -224,7 +265,7 @@ private slots:
                  statefile::SaveOutcome::Primary);
         const statefile::SaveResult r = statefile::save(big, primary, fallback);
         QCOMPARE(r.outcome, statefile::SaveOutcome::Fallback);
-        QVERIFY2(r.primaryError.contains(QStringLiteral("lleno")), qPrintable(r.primaryError));
+        QCOMPARE(r.primaryError, QStringLiteral("no queda espacio en el disco"));
         QCOMPARE(readAll(primary), statefile::encode(small));
         QCOMPARE(QDir(disk).entryList(QDir::Files), QStringList{"MARVO.dat"}); // no leftovers
         QCOMPARE(readAll(fallback), statefile::encode(big));

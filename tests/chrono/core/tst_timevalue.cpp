@@ -3,6 +3,9 @@
 
 #include <QtTest>
 
+#include <cmath>
+#include <limits>
+
 namespace
 {
 double hours(double h, double m, double s)
@@ -46,6 +49,37 @@ private slots:
             QCOMPARE(got, text);
         else
             QCOMPARE(got.size(), 12);
+    }
+
+    void hairFromAWholeThousandth_data()
+    {
+        // Sums and differences of hours land a rounding error away from the thousandth they
+        // stand for; the text is that thousandth's, digits only, and reads back to itself.
+        QTest::addColumn<double>("hours");
+        QTest::addColumn<QString>("text");
+        const double minute = timevalue::decimalMil(u"00:01:00");
+        const double below = -std::numeric_limits<double>::denorm_min();
+        // "+" on the stopped clock showing -1:59:00 (it was at zero, then "-" twice, "+" once).
+        QTest::newRow("from -1:59:00 a minute up")
+            << timevalue::decimalMil(u"-1:59:00") + minute << "00:00:00:000";
+        QTest::newRow("a hair below zero") << -5.2e-17 << "00:00:00:000";
+        QTest::newRow("the smallest number below zero") << below << "00:00:00:000";
+        QTest::newRow("a hair below an hour") << std::nextafter(1.0, 0.0) << "01:00:00:000";
+        QTest::newRow("a hair below ten hours") << std::nextafter(10.0, 0.0) << "10:00:00:000";
+        QTest::newRow("a hair below a minute") << std::nextafter(1.0 / 60, 0.0) << "00:01:00:000";
+        QTest::newRow("a hair below a second") << std::nextafter(1.0 / 3600, 0.0) << "00:00:01:000";
+        QTest::newRow("a hair below minus one minute")
+            << std::nextafter(-1.0 / 60, -1.0) << "-1:59:00:000";
+        QTest::newRow("a hair below minus an hour") << std::nextafter(-1.0, -2.0) << "-1:00:00:000";
+    }
+
+    void hairFromAWholeThousandth()
+    {
+        QFETCH(double, hours);
+        QFETCH(QString, text);
+        const QString got = timevalue::tempsexaMil(hours);
+        QCOMPARE(got, text);
+        QCOMPARE(timevalue::tempsexaMil(timevalue::decimalMil(got)), got);
     }
 
     void decimalMil_data()
