@@ -42,12 +42,15 @@ void offerRecovery(RaceSession& session, Dialogs& dialogs, QWidget* window)
     const std::optional<JournalKeeper::Unfinished> found = session.journal().unfinished();
     if (!found)
         return;
-    const QString text =
+    QString text =
         QStringLiteral("El programa no terminó normalmente. El diario de la carrera guarda "
-                       "%1 cambios que no están en MARVO.dat (%2 llegadas en la lista).\n\n"
-                       "¿Recuperar la carrera tal como estaba?")
+                       "%1 cambios que no están en MARVO.dat (%2 llegadas en la lista).")
             .arg(found->contents.changes)
             .arg(found->contents.record.state.list1.size());
+    if (found->contents.skipped > 0)
+        text += QStringLiteral(" %1 anotaciones del diario estaban dañadas y se pasan por alto.")
+                    .arg(found->contents.skipped);
+    text += QStringLiteral("\n\n¿Recuperar la carrera tal como estaba?");
     if (dialogs.ask(window, QStringLiteral("Recuperar la carrera"), text) == Dialogs::Yes)
         session.recover(*found);
     else

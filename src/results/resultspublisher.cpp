@@ -3,6 +3,7 @@
 #include "app/core/racesession.h"
 #include "app/dialogs.h"
 #include "app/notices.h"
+#include "base/fileerror.h"
 #include "base/paths.h"
 #include "base/savefile.h"
 #include "files/core/exports.h"
@@ -82,7 +83,7 @@ void ResultsPublisher::loadEntrants()
     if (!file.open(QIODevice::ReadOnly)) {
         dialogs.warn(window, title,
                      QStringLiteral("No se pudo abrir %1: %2")
-                         .arg(QDir::toNativeSeparators(path), file.errorString()));
+                         .arg(QDir::toNativeSeparators(path), fileerror::describe(file)));
         return;
     }
     // Read one byte past the limit: a file that grew since its size was taken is still refused.

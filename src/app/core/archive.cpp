@@ -23,7 +23,8 @@ QString folderBeside(const QString& stateFile)
     return QFileInfo(stateFile).absolutePath() + u'/' + QLatin1String(folderName);
 }
 
-QString keep(const QString& folder, const RaceState& race, const QDateTime& when, QString* error)
+QString keepFile(const QString& folder, const QByteArray& bytes, const QDateTime& when,
+                 QString* error)
 {
     if (!QDir().mkpath(folder)) {
         *error = QStringLiteral("no se puede crear la carpeta %1").arg(folder);
@@ -34,8 +35,13 @@ QString keep(const QString& folder, const RaceState& race, const QDateTime& when
     QString path = base + QStringLiteral(".dat");
     for (int n = 2; QFileInfo::exists(path); ++n)
         path = base + QStringLiteral("-%1.dat").arg(n);
-    *error = savefile::write(path, statefile::encode(race));
+    *error = savefile::write(path, bytes);
     return error->isEmpty() ? path : QString();
+}
+
+QString keep(const QString& folder, const RaceState& race, const QDateTime& when, QString* error)
+{
+    return keepFile(folder, statefile::encode(race), when, error);
 }
 
 QList<Kept> list(const QString& folder)

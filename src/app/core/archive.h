@@ -22,6 +22,11 @@ QString folderBeside(const QString& stateFile);
 // an empty path and the reason in *error.
 QString keep(const QString& folder, const RaceState& race, const QDateTime& when, QString* error);
 
+// The same for a state file kept as it stands, byte for byte (a damaged one, before a save
+// writes over it).
+QString keepFile(const QString& folder, const QByteArray& bytes, const QDateTime& when,
+                 QString* error);
+
 // What the list of kept races shows of each.
 struct Kept {
     QString path;

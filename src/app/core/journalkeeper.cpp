@@ -36,8 +36,19 @@ std::optional<JournalKeeper::Unfinished> JournalKeeper::unfinished() const
     std::sort(journals.begin(), journals.end(), [](const QFileInfo& a, const QFileInfo& b) {
         return a.lastModified() > b.lastModified();
     });
+    // A journal whose first entries are damaged goes on from the race of the state file.
+    const QFileInfo primaryState(folder + QLatin1String(statefile::fileName));
+    const QFileInfo fallback(fallbackState);
+    const bool fallbackNewer =
+        fallback.isFile() &&
+        (!primaryState.isFile() || fallback.lastModified() > primaryState.lastModified());
+    RaceRecord base;
+    base.state = statefile::read(fallbackNewer ? fallbackState : primaryState.filePath()).state;
+    base.label1 = QStringLiteral("00:00:00");
+    base.label2 = QString::number(base.state.list1.size());
+    base.label4 = base.state.tempsPrimer;
     for (const QFileInfo& info : std::as_const(journals)) {
-        journal::Contents contents = journal::read(info.filePath());
+        journal::Contents contents = journal::read(info.filePath(), base);
         if (!contents.valid || contents.clean)
             continue;
         // The state file already holds everything, beside MARVO.dat or in the fallback.
@@ -85,6 +96,12 @@ bool JournalKeeper::startAt(const QString& path)
 
 bool JournalKeeper::start()
 {
+    // A journal that cannot be read at all is kept aside, never written over.
+    for (const QString& path : {primaryPath(), fallbackPath()}) {
+        const QFileInfo info(path);
+        if (info.isFile() && info.size() > 0 && !journal::read(path).valid)
+            setAside(path);
+    }
     if (startAt(primaryPath()))
         return true;
     // A folder that takes no journal: the fallback folder does, as it takes the state file.

@@ -2,6 +2,7 @@
 
 #include "app/core/archive.h"
 #include "base/basic.h"
+#include "base/fileerror.h"
 #include "base/paths.h"
 #include "chrono/core/timevalue.h"
 #include "results/core/resultline.h"
@@ -49,14 +50,31 @@ statefile::Restored RaceSession::readSaved()
     const QString primary = carpeta + QLatin1String(statefile::fileName);
     const QFileInfo primaryInfo(primary);
     const QFileInfo fallbackInfo(fallbackState());
-    if (!fallbackInfo.isFile() || fallbackInfo == primaryInfo)
-        return statefile::read(primary);
     const bool fallbackNewer =
-        !primaryInfo.isFile() || fallbackInfo.lastModified() > primaryInfo.lastModified();
-    const statefile::Restored newer = statefile::read(fallbackNewer ? fallbackState() : primary);
-    const statefile::Restored older = statefile::read(fallbackNewer ? primary : fallbackState());
+        fallbackInfo.isFile() && fallbackInfo != primaryInfo &&
+        (!primaryInfo.isFile() || fallbackInfo.lastModified() > primaryInfo.lastModified());
     if (fallbackNewer)
         stateFileInUse = fallbackState();
+    const QString newerPath = fallbackNewer ? fallbackState() : primary;
+    const statefile::Restored newer = statefile::read(newerPath);
+    if (newer.damaged) {
+        // What could be read of it is the race; the file itself is kept as it is before the
+        // first save writes over it.
+        QFile file(newerPath);
+        QString error;
+        if (!file.open(QIODevice::ReadOnly) ||
+            archive::keepFile(archiveFolder(), file.readAll(), QDateTime::currentDateTime(), &error)
+                .isEmpty())
+            emit notice(QStringLiteral("%1 estaba dañado y no se pudo guardar una copia (%2).")
+                            .arg(newerPath, error.isEmpty() ? fileerror::describe(file) : error));
+        else
+            emit notice(QStringLiteral("%1 estaba dañado: se ha leído lo que se podía, y el "
+                                       "fichero tal como estaba se guarda en %2.")
+                            .arg(newerPath, archiveFolder()));
+    }
+    if (!fallbackInfo.isFile() || fallbackInfo == primaryInfo)
+        return newer;
+    const statefile::Restored older = statefile::read(fallbackNewer ? primary : fallbackState());
     if (older.headerLines > 0 && older.state != newer.state) {
         const QList<archive::Kept> kept = archive::list(archiveFolder());
         if (kept.isEmpty() || kept.first().race != older.state)
