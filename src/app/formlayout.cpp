@@ -2,6 +2,7 @@
 #include "app/archivewindow.h"
 #include "app/artwork.h"
 #include "app/core/statefile.h"
+#include "app/finishkeys.h"
 #include "app/formmarvolendo.h"
 #include "app/layouts.h"
 #include "app/look.h"
@@ -356,8 +357,6 @@ void FormMarvolendo::buildRaceMenu()
     connect(armedStart, &ArmedStart::beepDue, this, &FormMarvolendo::Timer1_Timer);
     carrera->addSeparator();
     finishEditor = new FinishEditor(this, carrera, List1, Combo1, session, dialogs, *notices);
-    connect(finishEditor, &FinishEditor::finishKey, this,
-            [this](int code) { Form_KeyDown(code, Qt::NoModifier); });
     connect(finishEditor, &FinishEditor::answered, this,
             [this](int answer) { respuesta = answer; });
     carrera->addSeparator();
@@ -475,6 +474,8 @@ void FormMarvolendo::connectHandlers()
         connect(shortcut, &QShortcut::activated, this,
                 [this, code] { Form_KeyDown(code, Qt::NoModifier); });
     }
+    // And from every other window of the program: the bibs window, the boxes, the menus.
+    new FinishKeys(this, [this](int code) { Form_KeyDown(code, Qt::NoModifier); });
 
     // Key presses, double-clicks and focus changes of the fields and the list.
     Text1->installEventFilter(this);
