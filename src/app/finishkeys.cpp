@@ -26,7 +26,7 @@ bool FinishKeys::eventFilter(QObject* watched, QEvent* event)
     if (!watched->isWidgetType() || !mainWindow->isVisible() ||
         !ofMainWindow(static_cast<QWidget*>(watched)->window()))
         return false;
-    unsigned long& released = code == 112 ? releasedF1 : releasedF3;
+    quint64& released = code == 112 ? releasedF1 : releasedF3;
     if (type == QEvent::KeyRelease) {
         released = key->timestamp();
         return true;

@@ -27,6 +27,6 @@ private:
     QWidget* mainWindow;
     std::function<void(int)> finish;
     // When each key was last let go, in the window system's milliseconds.
-    unsigned long releasedF1 = 0;
-    unsigned long releasedF3 = 0;
+    quint64 releasedF1 = 0;
+    quint64 releasedF3 = 0;
 };

@@ -16,7 +16,7 @@ namespace
 {
 
 // An F1 event stamped with the X server's time, to the widget with the keyboard in `target`.
-void sendF1(QWidget* target, QEvent::Type type, ulong time)
+void sendF1(QWidget* target, QEvent::Type type, quint64 time)
 {
     QKeyEvent event(type, Qt::Key_F1, Qt::NoModifier);
     event.setTimestamp(time);
@@ -34,10 +34,10 @@ void pressFinishKeys(QWidget* target)
     QTest::keyClick(native, Qt::Key_F1);
     QTest::keyClick(native, Qt::Key_F3);
     // Far from the times of the events above, and new at each call.
-    static ulong time = 1000000000;
+    static quint64 time = 1000000000;
     time += 10000;
     sendF1(target, QEvent::KeyPress, time);
-    for (const ulong repeat : {660, 700, 740}) {
+    for (const quint64 repeat : {660, 700, 740}) {
         sendF1(target, QEvent::KeyRelease, time + repeat);
         sendF1(target, QEvent::KeyPress, time + repeat);
     }
