@@ -40,6 +40,8 @@ QString QtDialogs::openFile(QWidget* parent, const FileRequest& request)
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilter(request.filter);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
+    // Qt's own dialog, never the desktop's: the finish keys reach only the program's windows.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setDefaultSuffix(request.defaultSuffix);
     const QFileInfo proposed(request.proposedName);
     if (proposed.dir().exists())

@@ -2,6 +2,7 @@
 #include "app/archivewindow.h"
 #include "app/artwork.h"
 #include "app/core/statefile.h"
+#include "app/finishkeys.h"
 #include "app/formmarvolendo.h"
 #include "app/layouts.h"
 #include "app/look.h"
@@ -28,7 +29,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSettings>
-#include <QShortcut>
 #include <QTimer>
 
 namespace
@@ -356,8 +356,6 @@ void FormMarvolendo::buildRaceMenu()
     connect(armedStart, &ArmedStart::beepDue, this, &FormMarvolendo::Timer1_Timer);
     carrera->addSeparator();
     finishEditor = new FinishEditor(this, carrera, List1, Combo1, session, dialogs, *notices);
-    connect(finishEditor, &FinishEditor::finishKey, this,
-            [this](int code) { Form_KeyDown(code, Qt::NoModifier); });
     connect(finishEditor, &FinishEditor::answered, this,
             [this](int answer) { respuesta = answer; });
     carrera->addSeparator();
@@ -462,19 +460,9 @@ void FormMarvolendo::connectHandlers()
     connect(List2, &QListWidget::itemClicked, this, &FormMarvolendo::List2_Click);
     connect(guardadoTimer, &QTimer::timeout, Frame3, &QGroupBox::hide);
 
-    // The function keys reach the window before any control, also while a field has the focus.
+    // The finish keys, before any control takes them and from every window of the program.
     // Form_KeyDown takes the old key codes: 112 for F1, 114 for F3.
-    const std::pair<Qt::Key, int> finishKeys[] = {{Qt::Key_F1, 112}, {Qt::Key_F3, 114}};
-    for (const auto& finishKey : finishKeys) {
-        // Named apart: a lambda cannot capture a structured binding in every compiler.
-        const Qt::Key key = finishKey.first;
-        const int code = finishKey.second;
-        auto* shortcut = new QShortcut(QKeySequence(key), this);
-        shortcut->setContext(Qt::WindowShortcut);
-        shortcut->setAutoRepeat(false);
-        connect(shortcut, &QShortcut::activated, this,
-                [this, code] { Form_KeyDown(code, Qt::NoModifier); });
-    }
+    new FinishKeys(this, [this](int code) { Form_KeyDown(code, Qt::NoModifier); });
 
     // Key presses, double-clicks and focus changes of the fields and the list.
     Text1->installEventFilter(this);

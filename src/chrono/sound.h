@@ -2,6 +2,8 @@
 // Qt Multimedia, tests count what would have sounded.
 #pragma once
 
+#include <QUrl>
+
 #include <memory>
 
 class Sound
@@ -13,13 +15,16 @@ public:
     virtual bool play(Tone tone) = 0;
 };
 
-// Two tones made by the program and loaded when it starts, so that a beep sounds at once.
+// Two tones built into the program (tools/beeps) and loaded when it starts, so that a beep
+// sounds at once.
 class QtSound final : public Sound
 {
 public:
     QtSound();
     ~QtSound() override;
     bool play(Tone tone) override;
+    // The WAV file of a tone among the program's resources.
+    static QUrl source(Tone tone);
 
 private:
     struct Effects;

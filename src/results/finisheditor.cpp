@@ -19,7 +19,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
-#include <QShortcut>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -101,15 +100,6 @@ FinishEditor::FinishEditor(QWidget* parentWindow, QMenu* carrera, QListWidget* r
     layout->addWidget(asignarPendientes);
     layout->addWidget(asignarDorsal);
     asignarDorsal->installEventFilter(this);
-    // The finish keys go on taking finishes while this window has the focus.
-    const std::pair<Qt::Key, int> finishKeys[] = {{Qt::Key_F1, 112}, {Qt::Key_F3, 114}};
-    for (const auto& key : finishKeys) {
-        // Named apart: a lambda cannot capture a structured binding in every compiler.
-        const int code = key.second;
-        auto* shortcut = new QShortcut(QKeySequence(key.first), asignarVentana);
-        shortcut->setAutoRepeat(false);
-        connect(shortcut, &QShortcut::activated, this, [this, code] { emit finishKey(code); });
-    }
 }
 
 void FinishEditor::openAssignBibs()

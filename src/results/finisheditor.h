@@ -34,8 +34,6 @@ public:
     void showAllChecks();
 
 signals:
-    // F1 or F3 pressed in the bibs window: a finish, as in the main window.
-    void finishKey(int keyCode);
     // The answer of the last box shown.
     void answered(int answer);
 

@@ -52,7 +52,7 @@ QString FormFixture::makeResultsFolder() const
 
 FormMarvolendo& FormFixture::open()
 {
-    window = std::make_unique<FormMarvolendo>(clock, dialogs, &sound);
+    window = std::make_unique<FormMarvolendo>(clock, *shownDialogs, &sound);
     window->show();
     window->activateWindow();
     QApplication::setActiveWindow(window.get());

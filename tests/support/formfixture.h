@@ -60,6 +60,8 @@ public:
 
     FakeClock clock;
     ScriptedDialogs dialogs;
+    // The boxes the window shows: the scripted ones, unless a test gives real ones before open().
+    Dialogs* shownDialogs = &dialogs;
     FakeSound sound{&clock};
     QTemporaryDir dir;
 
