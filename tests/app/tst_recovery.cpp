@@ -202,6 +202,19 @@ private slots:
         QCOMPARE(f.lines("List1"), marked);
     }
 
+    void anUnreadableJournalIsKeptAside()
+    {
+        // Nothing of it can be read: no question, and it is kept aside, not written over.
+        FormFixture f;
+        const QByteArray garbage(4096, '\x7f');
+        f.writeFile("MARVO.jrn", garbage);
+        f.open();
+        QVERIFY(f.dialogs.shown.isEmpty());
+        const QStringList aside = QDir(f.dir.path()).entryList({QStringLiteral("MARVO-*.jrn")});
+        QCOMPARE(aside.size(), 1);
+        QCOMPARE(f.readFile(aside.first()), garbage);
+    }
+
     void unwritableStateFile()
     {
         // As root permissions stop nothing: folders stand where both state files should be.

@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -215,6 +216,32 @@ private slots:
         const QList<archive::Kept> kept = archive::list(session.archiveFolder());
         QCOMPARE(kept.size(), 1);
         QCOMPARE(statefile::encode(kept.first().race), statefile::encode(stale));
+    }
+
+    void aDamagedStateFileIsKeptAsItWas()
+    {
+        // The count of finishes damaged (" 2O " for " 2 "): both finishes are read, and the
+        // file as it was is kept before any save writes over it.
+        const QString folder = dir->path() + u'/';
+        const QByteArray damaged = " 0 \r\n 0 \r\n     \r\n00:00:01:001\r\n\r\n\r\n 2 \r\n 0 \r\n"
+                                   " 2O \r\n   1- 00:00:01:001 - 0:00:00:000\r\n"
+                                   "   1-   7- 00:00:01:001 - 0:00:00:000\r\n"
+                                   "   2- 00:00:02:002 - 0:00:01:001\r\n"
+                                   "   2-   8- 00:00:02:002 - 0:00:01:001\r\n 0 \r\n";
+        QFile file(folder + QStringLiteral("MARVO.dat"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(damaged) == damaged.size());
+        file.close();
+        FakeClock clock;
+        RaceSession session(clock, folder);
+        QSignalSpy notices(&session, &RaceSession::notice);
+        QCOMPARE(session.readSaved().state.list1.size(), 2);
+        QCOMPARE(notices.size(), 1);
+        const QList<archive::Kept> kept = archive::list(session.archiveFolder());
+        QCOMPARE(kept.size(), 1);
+        QVERIFY(!kept.first().readable);
+        QFile copy(kept.first().path);
+        QVERIFY(copy.open(QIODevice::ReadOnly));
+        QCOMPARE(copy.readAll(), damaged);
     }
 
 private:
