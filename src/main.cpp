@@ -1,5 +1,6 @@
 #include "app/dialogs.h"
 #include "app/formmarvolendo.h"
+#include "app/spanish.h"
 #include "app/version.h"
 #include "chrono/core/clock.h"
 #include "chrono/sound.h"
@@ -84,6 +85,7 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(QStringLiteral("Marvolendo"));
     QApplication::setApplicationVersion(QLatin1String(version::text));
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    installSpanish(app);
     SystemClock clock;
     QtDialogs dialogs;
     QtSound sound;

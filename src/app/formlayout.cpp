@@ -299,7 +299,8 @@ void FormMarvolendo::placeSheet(bool bibsOnly)
 
 void FormMarvolendo::buildMenus()
 {
-    op1 = menuBar()->addMenu(QStringLiteral("Opciones"));
+    // Alt+O and Alt+C open the menus; the ampersand only underlines the letter.
+    op1 = menuBar()->addMenu(QStringLiteral("&Opciones"));
     op1->setObjectName(QStringLiteral("op1"));
     const QString formats[3] = {QStringLiteral("Segundos"), QStringLiteral("Centesimas"),
                                 QStringLiteral("Milesimas")};
@@ -341,7 +342,7 @@ void FormMarvolendo::buildRaceMenu()
             .setValue(QStringLiteral("pitidosSalida"), on);
     });
 
-    carrera = new QMenu(QStringLiteral("Carrera"), this);
+    carrera = new QMenu(QStringLiteral("&Carrera"), this);
     carrera->setObjectName(QStringLiteral("carrera"));
     menuBar()->insertMenu(hhora, carrera);
     salidaHora = carrera->addAction(QStringLiteral("Salida a una hora..."));
