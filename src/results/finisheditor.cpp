@@ -19,9 +19,12 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+
 #include <QWidget>
+#include <algorithm>
 
 namespace
 {
@@ -96,15 +99,25 @@ FinishEditor::FinishEditor(QWidget* parentWindow, QMenu* carrera, QListWidget* r
     asignarDorsal->setFont(big);
     asignarDorsal->setToolTip(QStringLiteral("Dorsal de esta llegada; Intro lo asigna y pasa a "
                                              "la siguiente"));
+    asignarCorredor = new QLabel(asignarVentana);
+    asignarCorredor->setObjectName(QStringLiteral("asignarCorredor"));
+    asignarCorredor->setMinimumWidth(look::px(4200));
     layout->addWidget(asignarSiguiente);
     layout->addWidget(asignarPendientes);
     layout->addWidget(asignarDorsal);
+    layout->addWidget(asignarCorredor);
     asignarDorsal->installEventFilter(this);
+    connect(asignarDorsal, &QLineEdit::textChanged, this, &FinishEditor::showRunner);
+    // Ctrl+Z here takes back the last assignment, as in the main window, not the field's text.
+    asignarVentana->addAction(deshacer);
 }
 
 void FinishEditor::openAssignBibs()
 {
     showNextWithoutBib();
+    showRunner(asignarDorsal->text());
+    if (!asignarVentana->isVisible())
+        placeBesideTheList();
     asignarVentana->show();
     asignarVentana->raise();
     asignarVentana->activateWindow();
@@ -119,6 +132,9 @@ void FinishEditor::showNextWithoutBib()
         asignarPendientes->setText(QString());
         return;
     }
+    // The line being given its bib stays in sight in the results list.
+    if (QListWidgetItem* item = list1->item(next))
+        list1->scrollToItem(item, QAbstractItemView::PositionAtCenter);
     const QString& line = session.race().list1()[next];
     asignarSiguiente->setText(QStringLiteral("Puesto %1   %2")
                                   .arg(QString::number(resultline::rankOf(line)),
@@ -137,6 +153,50 @@ void FinishEditor::assignBib()
         return;
     session.perform(
         raceedits::bibAssignment(session.race().record(), session.nextWithoutBib(), typed));
+}
+
+// Who wears the bib being typed, so that a mistyped bib is caught before it is given.
+void FinishEditor::showRunner(const QString& typed)
+{
+    const QList<entrants::Entrant>& entered = session.race().entrants();
+    bool number = false;
+    const int bib = typed.trimmed().toInt(&number);
+    if (!number || entered.isEmpty()) {
+        asignarCorredor->setText(QString());
+        return;
+    }
+    const auto runner = std::find_if(entered.begin(), entered.end(),
+                                     [bib](const entrants::Entrant& e) { return e.bib == bib; });
+    if (runner == entered.end()) {
+        asignarCorredor->setText(QStringLiteral("Dorsal %1: no está entre los inscritos").arg(bib));
+        return;
+    }
+    QString text = runner->fullName();
+    if (!runner->categoria.isEmpty())
+        text += QStringLiteral(" · %1").arg(runner->categoria);
+    asignarCorredor->setText(text);
+}
+
+// The window opens beside the main window, where it covers none of the results list: to its
+// right, or left, or else below or above it, as the screen has room.
+void FinishEditor::placeBesideTheList()
+{
+    asignarVentana->adjustSize();
+    const QRect main = window->frameGeometry();
+    const QScreen* screen = window->screen();
+    const QRect room = screen ? screen->availableGeometry() : QRect();
+    const QSize size = asignarVentana->frameGeometry().size();
+    const QPoint places[] = {{main.right() + 8, main.top()},
+                             {main.left() - size.width() - 8, main.top()},
+                             {main.left(), main.bottom() + 8},
+                             {main.left(), main.top() - size.height() - 8}};
+    for (const QPoint& at : places) {
+        if (!room.isValid() || room.contains(QRect(at, size))) {
+            asignarVentana->move(at);
+            return;
+        }
+    }
+    asignarVentana->move(places[0]);
 }
 
 // The line chosen for removal: in the results list, or in the drop-down where the Lap layout
@@ -297,6 +357,12 @@ bool FinishEditor::eventFilter(QObject* watched, QEvent* event)
     }
     if (watched != asignarDorsal)
         return false;
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Undo)) {
+        // Not the field's own undo: the shortcut of "Deshacer" takes the key.
+        event->ignore();
+        return true;
+    }
     if (event->type() == QEvent::FocusIn) {
         look::setColours(asignarDorsal, look::navy, look::windowBackground());
         return false;

@@ -44,6 +44,8 @@ private:
     void openAssignBibs();
     void assignBib();
     void showNextWithoutBib();
+    void showRunner(const QString& typed);
+    void placeBesideTheList();
     void removeFinish();
     void addFinish();
     void showCounts();
@@ -61,6 +63,7 @@ private:
     QLabel* asignarSiguiente;
     QLabel* asignarPendientes;
     QLineEdit* asignarDorsal;
+    QLabel* asignarCorredor; // the runner of the bib being typed
     QLabel* estadoDorsales;
     EntradaState entradaState;
 };

@@ -4,6 +4,8 @@
 // bibs window while F1 goes on; the bib checks. (Edits after a crash: e2e/edit_recovery.sh.)
 #include "app/core/journal.h"
 #include "app/core/statefile.h"
+#include "results/core/entrants.h"
+#include "results/core/resultline.h"
 #include "support/formfixture.h"
 #include "support/races.h"
 
@@ -146,6 +148,38 @@ private slots:
         QCOMPARE(f.lines("List1").mid(0, 3), tapped);
         QVERIFY(!f.action("deshacer")->isEnabled());
         QVERIFY(!f.dialogs.unexpected);
+    }
+
+    void theBibsWindow()
+    {
+        // The runner of the bib being typed is named, the window stands clear of the list, and
+        // Ctrl+Z in it takes back the last assignment, not the field's text.
+        FormFixture f;
+        f.writeFile(QLatin1String(entrants::keptFile),
+                    "dorsal;nombre;apellidos;categoria\n57;Ana;Pérez;Senior\n");
+        RaceState s = stoppedRace(2, 1);
+        for (QString& line : s.list1)
+            line = *resultline::rewriteBib(line, u"0");
+        f.open(s);
+        f.trigger("asignar");
+        auto* window = f.child<QDialog>("asignarVentana");
+        QListWidget* list = f.list("List1");
+        QVERIFY(!window->frameGeometry().intersects(
+            QRect(list->mapToGlobal(QPoint(0, 0)), list->size())));
+        QLabel* runner = f.label("asignarCorredor");
+        auto* field = f.child<QLineEdit>("asignarDorsal");
+        field->setText("57");
+        QCOMPARE(runner->text(), QStringLiteral("Ana Pérez · Senior"));
+        field->setText("58");
+        QCOMPARE(runner->text(), QStringLiteral("Dorsal 58: no está entre los inscritos"));
+        field->clear();
+        f.type("asignarDorsal", "57\n");
+        QCOMPARE(f.lines("List1")[0], QStringLiteral("   1-  57- 00:12:30:125 - 0:00:00:000"));
+        QApplication::setActiveWindow(window);
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(f.lines("List1"), s.list1);
+        QVERIFY(field->text().isEmpty());
     }
 
     void refusedAdditions()
