@@ -2,6 +2,7 @@
 
 #include "app/core/racesession.h"
 #include "app/dialogs.h"
+#include "app/look.h"
 #include "app/notices.h"
 #include "app/texts.h"
 #include "base/basic.h"
@@ -25,6 +26,9 @@ constexpr double secondsPerDay = 86400.0;
 // The armed start's countdown is redrawn at the clock's rate; its last interval is timed
 // exactly.
 constexpr int armedTickMs = 20;
+// The countdown to an armed start: a minus sign before it, dark red on amber.
+const QString armedSign = QStringLiteral("\u2212");
+const QColor armedBack{255, 200, 80};
 
 QTime timeOfDayAt(double seconds)
 {
@@ -48,6 +52,29 @@ ArmedStart::ArmedStart(QWidget* parentWindow, const Controls& controls, RaceSess
     beepTimer->setSingleShot(true);
     beepTimer->setTimerType(Qt::PreciseTimer);
     connect(beepTimer, &QTimer::timeout, this, &ArmedStart::beepDue);
+    // The beeps switched on, or a start order to count down with them on.
+    connect(c.beepsOn, &QAction::toggled, this, [this](bool on) {
+        if (on)
+            checkSound();
+    });
+    const auto startOrder = [this] {
+        if (c.beepsOn->isChecked() && !session.race().list2().isEmpty())
+            checkSound();
+    };
+    connect(&session.race(), &Race::changed, this, [startOrder](const RaceChange& change) {
+        if (change.kind == RaceChange::Kind::StartOrder)
+            startOrder();
+    });
+    connect(&session.race(), &Race::restored, this, startOrder);
+}
+
+void ArmedStart::checkSound()
+{
+    if (soundMissingShown || !sound || sound->available())
+        return;
+    soundMissingShown = true;
+    notices.show(QStringLiteral("Este equipo no tiene salida de sonido: los pitidos de salida "
+                                "no sonarán."));
 }
 
 void ArmedStart::startAtTimeOfDay()
@@ -100,8 +127,12 @@ void ArmedStart::startAtTimeOfDay()
         c.plus->setVisible(false);
         c.minus->setVisible(false);
         c.clear->setVisible(false);
-        c.clock->setToolTip(QStringLiteral("Cuenta atrás hasta la salida de las %1")
+        c.clock->setToolTip(QStringLiteral("Salida en: cuenta atrás hasta la salida de las %1")
                                 .arg(armedTime.toString(QStringLiteral("hh:mm:ss.zzz"))));
+        // A countdown must not pass for a running clock: another colour, and a minus sign.
+        clockPalette = c.clock->palette();
+        clockFill = c.clock->autoFillBackground();
+        look::setColours(c.clock, armedBack, look::darkRed);
         tick();
         return;
     }
@@ -124,7 +155,7 @@ void ArmedStart::tick()
         return;
     }
     const QString wait = timevalue::tempsexaMil(remaining / timevalue::secondsPerHour);
-    c.clock->setText(basic::left(wait, 8));
+    c.clock->setText(armedSign + basic::left(wait, 8));
     const int f = format();
     c.fraction->setText(f == 1   ? basic::mid(wait, 10, 2)
                         : f == 2 ? basic::mid(wait, 10, 3)
@@ -137,6 +168,10 @@ void ArmedStart::tick()
 
 void ArmedStart::cancel()
 {
+    if (armedMono) {
+        c.clock->setPalette(clockPalette);
+        c.clock->setAutoFillBackground(clockFill);
+    }
     armedMono.reset();
     armTimer->stop();
     c.clock->setToolTip(QString());

@@ -7,6 +7,7 @@
 #include "chrono/core/startat.h"
 
 #include <QObject>
+#include <QPalette>
 #include <QTime>
 
 #include <functional>
@@ -63,6 +64,9 @@ signals:
 
 private:
     void tick();
+    // Tells once that the beeps cannot sound, as soon as they are wanted: switched on, or a
+    // start order loaded to count down.
+    void checkSound();
 
     QWidget* window;
     Controls c;
@@ -76,6 +80,8 @@ private:
     // The monotonic moment an armed start starts, and its time of day.
     std::optional<double> armedMono;
     QTime armedTime;
+    QPalette clockPalette; // the clock's colours before the countdown
+    bool clockFill = false;
     QTimer* armTimer;
     CountdownBeeps beeps;
     int beepsRow = -1;

@@ -25,6 +25,11 @@ QtSound::QtSound() : effects(std::make_unique<Effects>())
 
 QtSound::~QtSound() = default;
 
+bool QtSound::available() const
+{
+    return !QMediaDevices::audioOutputs().isEmpty();
+}
+
 bool QtSound::play(Tone t)
 {
     QSoundEffect& effect = t == Tone::Short ? effects->shortBeep : effects->longBeep;

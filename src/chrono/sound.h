@@ -13,6 +13,8 @@ public:
     virtual ~Sound() = default;
     // Plays the tone at once; false when the machine has no way to play it.
     virtual bool play(Tone tone) = 0;
+    // The machine has a way to play the tones.
+    virtual bool available() const { return true; }
 };
 
 // Two tones built into the program (tools/beeps) and loaded when it starts, so that a beep
@@ -23,6 +25,7 @@ public:
     QtSound();
     ~QtSound() override;
     bool play(Tone tone) override;
+    bool available() const override;
     // The WAV file of a tone among the program's resources.
     static QUrl source(Tone tone);
 

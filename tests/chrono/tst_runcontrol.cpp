@@ -134,7 +134,9 @@ private slots:
         FormFixture f;
         f.open();
         startAt(f, "10:00:02,500");
-        QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:02"));
+        // A countdown, not a running clock: its sign and its colours.
+        QCOMPARE(f.label("Label1")->text(), QStringLiteral("\u221200:00:02"));
+        QCOMPARE(f.label("Label1")->palette().color(QPalette::Window), QColor(255, 200, 80));
         QCOMPARE(f.label("Label6")->text(), QStringLiteral("500"));
         QVERIFY(f.readFile("MARVO.dat").isEmpty()); // nothing started yet
         f.clock.advance(2.5);
@@ -154,9 +156,11 @@ private slots:
         f.open();
         for (const char* how : {"Command1(1)", "salidaHora"}) {
             startAt(f, f.clock.timeOfDay().addSecs(3600).toString(QStringLiteral("hh:mm:ss")));
-            QCOMPARE(f.label("Label1")->text(), QStringLiteral("01:00:00"));
+            QCOMPARE(f.label("Label1")->text(), QStringLiteral("\u221201:00:00"));
+            const QColor armed = f.label("Label1")->palette().color(QPalette::Window);
             QString(how).startsWith("Command") ? f.click(how) : f.trigger(how);
             QCOMPARE(f.label("Label1")->text(), QStringLiteral("00:00:00"));
+            QVERIFY(f.label("Label1")->palette().color(QPalette::Window) != armed);
             QVERIFY(!f.button("Command1(0)")->isHidden());
             f.clock.advance(3601);
             QTest::qWait(30);
@@ -269,18 +273,19 @@ private slots:
 
     void noSoundDeviceOneNotice()
     {
+        // Said as the start order comes back with the race, not seconds before the first start.
         FormFixture f;
         f.sound.device = false;
         f.open(stoppedRace(2, 1));
+        QLabel* notice = f.label("aviso");
+        QVERIFY(!notice->isHidden());
+        QVERIFY(notice->text().contains(QStringLiteral("sonido")));
+        notice->hide();
         f.list("List2")->setCurrentRow(0);
         f.click("Command1(0)");
         f.tick(624);
         for (int i = 0; i < 400; ++i)
             f.tick(0.02);
-        QLabel* notice = f.label("aviso");
-        QVERIFY(!notice->isHidden());
-        QVERIFY(notice->text().contains(QStringLiteral("sonido")));
-        notice->hide();
         f.tick(600); // the next start's countdown
         QVERIFY(notice->isHidden());
         QVERIFY(f.dialogs.shown.isEmpty());

@@ -25,6 +25,7 @@ public:
         played.append({tone, clock ? clock->steady : 0.0});
         return true;
     }
+    bool available() const override { return device; }
 };
 
 class ScriptedDialogs final : public Dialogs
