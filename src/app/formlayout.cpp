@@ -342,6 +342,17 @@ void FormMarvolendo::buildRaceMenu()
             .setValue(QStringLiteral("pitidosSalida"), on);
     });
 
+    // The countdown may go on to the next rider by itself, for a time trial at one keyboard.
+    QAction* seguirOrden =
+        op1->addAction(QStringLiteral("La cuenta atrás sigue el orden de salida"));
+    seguirOrden->setObjectName(QStringLiteral("seguirOrden"));
+    seguirOrden->setCheckable(true);
+    seguirOrden->setChecked(settings.value(QStringLiteral("seguirOrdenSalida"), false).toBool());
+    connect(seguirOrden, &QAction::toggled, this, [](bool on) {
+        QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"))
+            .setValue(QStringLiteral("seguirOrdenSalida"), on);
+    });
+
     carrera = new QMenu(QStringLiteral("&Carrera"), this);
     carrera->setObjectName(QStringLiteral("carrera"));
     menuBar()->insertMenu(hhora, carrera);
@@ -349,7 +360,7 @@ void FormMarvolendo::buildRaceMenu()
     salidaHora->setObjectName(QStringLiteral("salidaHora"));
     armedStart = new ArmedStart(this,
                                 {Label1, Label6, Command1[0], Command1[1], Command2[0], Command2[1],
-                                 Command4, List2, pitidos, Timer1},
+                                 Command4, List2, pitidos, seguirOrden, Timer1},
                                 session, clock, dialogs, sound, *notices,
                                 [this] { return checkedFormat(); });
     connect(salidaHora, &QAction::triggered, armedStart, &ArmedStart::startAtTimeOfDay);

@@ -9,6 +9,7 @@
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
 #include "chrono/sound.h"
+#include "results/core/resultline.h"
 
 #include <QAction>
 #include <QLabel>
@@ -17,6 +18,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -183,6 +185,25 @@ void ArmedStart::cancel()
     c.plus->setVisible(true);
     c.minus->setVisible(true);
     c.clear->setVisible(true);
+}
+
+void ArmedStart::followStartOrder(double runningHours)
+{
+    if (!c.followOrder->isChecked())
+        return;
+    QListWidget* order = c.startOrder;
+    const int n = order->count();
+    const int row = order->currentRow();
+    int next = std::max(row, 0);
+    const auto startOf = [order](int i) {
+        return timevalue::decimalMil(u'0' + resultline::startTimeText(order->item(i)->text()));
+    };
+    while (next < n && startOf(next) < runningHours - 1.0 / timevalue::secondsPerHour)
+        ++next;
+    if (next >= n || next == row)
+        return;
+    order->setCurrentRow(next);
+    order->scrollToItem(order->item(next));
 }
 
 void ArmedStart::countdown(std::optional<double> remaining)

@@ -41,6 +41,7 @@ public:
         QPushButton* clear = nullptr;
         QListWidget* startOrder = nullptr; // List2
         QAction* beepsOn = nullptr;        // "Pitidos de salida"
+        QAction* followOrder = nullptr;    // "La cuenta atrás sigue el orden de salida"
         QTimer* tick = nullptr;            // the clock's tick
     };
     // `format` answers the checked time format (-1 when none).
@@ -55,6 +56,10 @@ public:
     void cancel();
     // The beeps for the selected start, `remaining` seconds away (none: no start selected).
     void countdown(std::optional<double> remaining);
+    // With the option on, the countdown goes on to the next start of the start order once the
+    // selected one has passed (by a second, so its last beep sounds), the race clock reading
+    // `runningHours`. The bib field is not touched: only a click on a start puts its bib there.
+    void followStartOrder(double runningHours);
 
 signals:
     // The clock is to start from `startTimer` (seconds since midnight), the moment of `at`.

@@ -114,6 +114,7 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
     const int format = checkedFormat();
 
     // Countdown to the selected start of the start order.
+    armedStart->followStartOrder(running);
     std::optional<double> toStart;
     if (List2->count() >= 1) {
         const QListWidgetItem* selected = List2->currentItem();

@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
@@ -269,6 +270,34 @@ private slots:
         f.close();
         f.open();
         QCOMPARE(f.action("pitidos")->isChecked(), option);
+    }
+
+    void countdownFollowsTheStartOrder_data()
+    {
+        QTest::addColumn<bool>("follow");
+        QTest::newRow("the option on") << true;
+        QTest::newRow("the option off") << false;
+    }
+
+    void countdownFollowsTheStartOrder()
+    {
+        // Starts at 0:10:30 and 0:11:00. With the option, once the first has passed the second
+        // is selected by itself, and the bib field stays as it was.
+        QFETCH(bool, follow);
+        FormFixture f;
+        f.open(stoppedRace(2, 1));
+        if (follow != f.action("seguirOrden")->isChecked())
+            f.trigger("seguirOrden");
+        QListWidget* order = f.list("List2");
+        order->setCurrentRow(0);
+        f.click("Command1(0)");
+        f.tick(630.5);
+        QCOMPARE(order->currentRow(), 0); // its last beep still to sound
+        f.tick(1);
+        QCOMPARE(order->currentRow(), follow ? 1 : 0);
+        QVERIFY(f.child<QLineEdit>("Text1")->text().isEmpty());
+        f.tick(60);
+        QCOMPARE(order->currentRow(), follow ? 1 : 0); // the last start stays
     }
 
     void noSoundDeviceOneNotice()
