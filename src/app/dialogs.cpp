@@ -9,6 +9,47 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <algorithm>
+
+namespace
+{
+
+// A long message (the lines of a file that could not be read, say) is cut to its first lines,
+// the whole of it under "Mostrar detalles...", so that the box never grows past the screen. A
+// line with a run of characters too long to wrap is cut too.
+constexpr int shownLines = 8;
+constexpr int longestWord = 60;
+constexpr int shownLineLength = 100;
+
+bool unwrappable(const QString& line)
+{
+    int run = 0;
+    for (const QChar c : line) {
+        run = c.isSpace() ? 0 : run + 1;
+        if (run > longestWord)
+            return true;
+    }
+    return false;
+}
+
+void setMessage(QMessageBox& box, const QString& text)
+{
+    const QStringList lines = text.split(u'\n');
+    if (lines.size() <= shownLines && std::none_of(lines.begin(), lines.end(), unwrappable)) {
+        box.setText(text);
+        return;
+    }
+    QStringList shown = lines.first(std::min<qsizetype>(lines.size(), shownLines));
+    for (QString& l : shown) {
+        if (unwrappable(l))
+            l = l.left(shownLineLength - 1) + u'…';
+    }
+    box.setText(shown.join(u'\n') + QStringLiteral("\n…"));
+    box.setDetailedText(text);
+}
+
+} // namespace
+
 int QtDialogs::confirm(QWidget* parent, const QString& title, const QString& text)
 {
     QMessageBox box(QMessageBox::Critical, title, text, QMessageBox::Ok | QMessageBox::Cancel,
@@ -20,7 +61,8 @@ int QtDialogs::confirm(QWidget* parent, const QString& title, const QString& tex
 
 void QtDialogs::warn(QWidget* parent, const QString& title, const QString& text)
 {
-    QMessageBox box(QMessageBox::Critical, title, text, QMessageBox::Ok, parent);
+    QMessageBox box(QMessageBox::Critical, title, QString(), QMessageBox::Ok, parent);
+    setMessage(box, text);
     box.exec();
 }
 
@@ -90,7 +132,8 @@ QStringList QtDialogs::askFields(QWidget* parent, const QString& title, const QS
 
 void QtDialogs::inform(QWidget* parent, const QString& title, const QString& text)
 {
-    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::Ok, parent);
+    QMessageBox box(QMessageBox::Information, title, QString(), QMessageBox::Ok, parent);
+    setMessage(box, text);
     box.setIconPixmap(parent ? parent->windowIcon().pixmap(64) : QPixmap());
     box.exec();
 }

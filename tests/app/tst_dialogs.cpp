@@ -1,14 +1,15 @@
-// The standard boxes and key names of the window speak Spanish: Qt's own translations, as
-// Debian ships them, are loaded at start.
+// The standard boxes and key names of the window speak Spanish (Qt's own translations, as
+// Debian ships them, are loaded at start), and a long message stays on the screen.
 #include "app/dialogs.h"
 #include "app/spanish.h"
 #include "support/formfixture.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QScreen>
 #include <QTimer>
 
-class SpanishTest : public QObject
+class DialogsTest : public QObject
 {
     Q_OBJECT
 
@@ -55,6 +56,37 @@ private slots:
         QCOMPARE(seen, buttons);
     }
 
+    void aLongMessageStaysOnTheScreen()
+    {
+        // Forty lines of a file that could not be read, some of them very long.
+        QStringList lines{QStringLiteral("Cargados 3 inscritos.")};
+        for (int i = 1; i <= 40; ++i)
+            lines << QStringLiteral("Línea %1: %2").arg(i).arg(QString(i % 3 ? 20 : 400, u'x'));
+        QtDialogs dialogs;
+        QRect box;
+        QRect screen;
+        QTimer::singleShot(0, [&] {
+            auto* timer = new QTimer;
+            QObject::connect(timer, &QTimer::timeout, [&, timer] {
+                QWidget* open = QApplication::activeModalWidget();
+                if (!open)
+                    return;
+                box = open->frameGeometry();
+                screen = open->screen()->availableGeometry();
+                timer->deleteLater();
+                QMetaObject::invokeMethod(open, "reject", Qt::QueuedConnection);
+            });
+            timer->start(10);
+        });
+        dialogs.inform(nullptr, QStringLiteral("Inscritos"), lines.join(u'\n'));
+        QVERIFY(box.isValid());
+        QVERIFY2(screen.contains(box), qPrintable(QStringLiteral("%1x%2 on %3x%4")
+                                                      .arg(box.width())
+                                                      .arg(box.height())
+                                                      .arg(screen.width())
+                                                      .arg(screen.height())));
+    }
+
     void keyNamesInTheMenu()
     {
         FormFixture f;
@@ -64,5 +96,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(SpanishTest)
-#include "tst_spanish.moc"
+QTEST_MAIN(DialogsTest)
+#include "tst_dialogs.moc"
