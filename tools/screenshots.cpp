@@ -1,12 +1,15 @@
-// Pictures of the window in its four layouts, for the operator's guide:
+// Pictures of the window in its four layouts and of what the menu "Carrera" adds, for the
+// operator's guide:
 //   screenshots <folder>
-// writes ventana-normal.png, ventana-dorsales-tiempos.png, ventana-solo-dorsales.png and
-// ventana-compacta.png into the folder. Each window is the real one, opened on a race written
+// writes ventana-normal.png, ventana-dorsales-tiempos.png, ventana-solo-dorsales.png,
+// ventana-compacta.png, menu-carrera.png, asignar-dorsales.png and salida-armada.png into the
+// folder. Each window is the real one, opened on a race written
 // beforehand into a temporary folder, with a clock that stands still; run it with
 // QT_QPA_PLATFORM=offscreen to need no display.
 #include "app/core/statefile.h"
 #include "app/dialogs.h"
 #include "app/formmarvolendo.h"
+#include "app/spanish.h"
 #include "base/basic.h"
 #include "chrono/core/clock.h"
 #include "chrono/core/timevalue.h"
@@ -14,9 +17,14 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -55,7 +63,9 @@ public:
     {
         std::fprintf(stderr, "  aviso \"%s\": %s\n", qPrintable(title), qPrintable(text));
     }
-    QString askText(QWidget*, const QString&, const QString&) override { return {}; }
+    // The time of an armed start, the only text the pictures type.
+    QString askText(QWidget*, const QString&, const QString&) override { return startTime; }
+    QString startTime;
     QStringList askFields(QWidget*, const QString&, const QStringList&) override { return {}; }
     void inform(QWidget*, const QString&, const QString&) override {}
     int ask(QWidget*, const QString& title, const QString& text) override
@@ -122,7 +132,22 @@ RaceState race(double modo, bool running)
     return s;
 }
 
-enum class Layout { Normal, BibsAndTimes, BibsOnly, Compact };
+enum class Layout { Normal, BibsAndTimes, BibsOnly, Compact, RaceMenu, AssignBibs, Armed };
+
+// The window with its open menu drawn over it.
+QPixmap withMenu(QMainWindow& form, QMenu* menu)
+{
+    const QPoint at = form.menuBar()->mapTo(
+        &form, form.menuBar()->actionGeometry(menu->menuAction()).bottomLeft());
+    menu->popup(form.mapToGlobal(at));
+    QApplication::processEvents();
+    QPixmap picture = form.grab();
+    QPainter painter(&picture);
+    painter.drawPixmap(at, menu->grab());
+    painter.end();
+    menu->hide();
+    return picture;
+}
 
 bool picture(Layout layout, const QString& file)
 {
@@ -138,11 +163,29 @@ bool picture(Layout layout, const QString& file)
     qputenv("MARVOLENDO_DRIVE_C", QFile::encodeName(dir.path()));
     qputenv("MARVOLENDO_DRIVE_D", QFile::encodeName(dir.path()));
 
-    const double modo = layout == Layout::BibsAndTimes ? 1 : layout == Layout::BibsOnly ? 2 : 0;
-    const bool running = layout != Layout::BibsOnly;
+    const double modo = layout == Layout::BibsAndTimes || layout == Layout::AssignBibs ? 1
+                        : layout == Layout::BibsOnly                                   ? 2
+                                                                                       : 0;
+    const bool running =
+        layout != Layout::BibsOnly && layout != Layout::AssignBibs && layout != Layout::Armed;
+    RaceState saved = race(modo, running);
+    if (layout == Layout::Armed)
+        saved = RaceState{};
+    if (layout == Layout::AssignBibs) {
+        // Bibs given afterwards: the last four finishes still without one, and the entrants.
+        for (int i = 3; i < saved.list1.size(); ++i)
+            saved.list1[i] = *resultline::rewriteBib(saved.list1[i], u"0");
+        QFile entered(QStringLiteral("MARVO-inscritos.csv"));
+        if (!entered.open(QIODevice::WriteOnly) ||
+            entered.write("dorsal;nombre;apellidos;club;categoria\n"
+                          "57;Lucía;Ortega Ruiz;CA Valle;Senior\n"
+                          "112;Javier;Marín;Trotadores;Veterano\n"
+                          "8;Nerea;Gil Soto;CA Valle;Junior\n"
+                          "231;Pablo;Ibáñez;;Senior\n") < 0)
+            return false;
+    }
     QFile state(QString::fromLatin1(statefile::fileName));
-    if (!state.open(QIODevice::WriteOnly) ||
-        state.write(statefile::encode(race(modo, running))) < 0)
+    if (!state.open(QIODevice::WriteOnly) || state.write(statefile::encode(saved)) < 0)
         return false;
     state.close();
 
@@ -168,7 +211,26 @@ bool picture(Layout layout, const QString& file)
             form.Timer1_Timer();
         }
         QApplication::processEvents();
-        written = form.grab().save(file, "PNG");
+        if (layout == Layout::RaceMenu) {
+            written =
+                withMenu(form, form.findChild<QMenu*>(QStringLiteral("carrera"))).save(file, "PNG");
+        } else if (layout == Layout::AssignBibs) {
+            form.findChild<QAction*>(QStringLiteral("asignar"))->trigger();
+            auto* bibs = form.findChild<QDialog*>(QStringLiteral("asignarVentana"));
+            form.findChild<QLineEdit*>(QStringLiteral("asignarDorsal"))
+                ->setText(QStringLiteral("231"));
+            QApplication::processEvents();
+            written = bibs->grab().save(file, "PNG");
+        } else if (layout == Layout::Armed) {
+            // Armed for 09:00:00, 12 minutes 46.518 s before the picture's moment.
+            dialogs.startTime = QStringLiteral("09:00:00");
+            clock.seconds = startOfRace - 12 * 60 - 46.518;
+            form.findChild<QAction*>(QStringLiteral("salidaHora"))->trigger();
+            QApplication::processEvents();
+            written = form.grab().save(file, "PNG");
+        } else {
+            written = form.grab().save(file, "PNG");
+        }
     }
     return written;
 }
@@ -179,6 +241,7 @@ int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    installSpanish(app);
     const QString folder = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs");
     if (!QDir().mkpath(folder)) {
         std::fprintf(stderr, "no se pudo crear la carpeta %s\n", qPrintable(folder));
@@ -190,7 +253,10 @@ int main(int argc, char* argv[])
     } pictures[] = {{Layout::Normal, "ventana-normal.png"},
                     {Layout::BibsAndTimes, "ventana-dorsales-tiempos.png"},
                     {Layout::BibsOnly, "ventana-solo-dorsales.png"},
-                    {Layout::Compact, "ventana-compacta.png"}};
+                    {Layout::Compact, "ventana-compacta.png"},
+                    {Layout::RaceMenu, "menu-carrera.png"},
+                    {Layout::AssignBibs, "asignar-dorsales.png"},
+                    {Layout::Armed, "salida-armada.png"}};
     int failed = 0;
     for (const auto& p : pictures) {
         const QString file = QDir(folder).absoluteFilePath(QString::fromLatin1(p.name));
