@@ -80,6 +80,22 @@ QPushButton* pictureButton(QWidget* parent, const QString& name, const QIcon& ic
     return b;
 }
 
+// A check entry of a menu kept from one start to the next in the program's settings.
+QAction* settingOption(QMenu* menu, const QString& text, const QString& name, const QString& key,
+                       bool byDefault)
+{
+    QAction* option = menu->addAction(text);
+    option->setObjectName(name);
+    option->setCheckable(true);
+    option->setChecked(QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"))
+                           .value(key, byDefault)
+                           .toBool());
+    QObject::connect(option, &QAction::toggled, option, [key](bool on) {
+        QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo")).setValue(key, on);
+    });
+    return option;
+}
+
 } // namespace
 
 void FormMarvolendo::buildControls()
@@ -331,27 +347,13 @@ void FormMarvolendo::buildMenus()
 // options at the end of "Opciones".
 void FormMarvolendo::buildRaceMenu()
 {
-    QSettings settings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"));
     op1->addSeparator();
-    pitidos = op1->addAction(QStringLiteral("Pitidos de salida"));
-    pitidos->setObjectName(QStringLiteral("pitidos"));
-    pitidos->setCheckable(true);
-    pitidos->setChecked(settings.value(QStringLiteral("pitidosSalida"), true).toBool());
-    connect(pitidos, &QAction::toggled, this, [](bool on) {
-        QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"))
-            .setValue(QStringLiteral("pitidosSalida"), on);
-    });
-
+    pitidos = settingOption(op1, QStringLiteral("Pitidos de salida"), QStringLiteral("pitidos"),
+                            QStringLiteral("pitidosSalida"), true);
     // The countdown may go on to the next rider by itself, for a time trial at one keyboard.
     QAction* seguirOrden =
-        op1->addAction(QStringLiteral("La cuenta atrás sigue el orden de salida"));
-    seguirOrden->setObjectName(QStringLiteral("seguirOrden"));
-    seguirOrden->setCheckable(true);
-    seguirOrden->setChecked(settings.value(QStringLiteral("seguirOrdenSalida"), false).toBool());
-    connect(seguirOrden, &QAction::toggled, this, [](bool on) {
-        QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"))
-            .setValue(QStringLiteral("seguirOrdenSalida"), on);
-    });
+        settingOption(op1, QStringLiteral("La cuenta atrás sigue el orden de salida"),
+                      QStringLiteral("seguirOrden"), QStringLiteral("seguirOrdenSalida"), false);
 
     carrera = new QMenu(QStringLiteral("&Carrera"), this);
     carrera->setObjectName(QStringLiteral("carrera"));

@@ -47,6 +47,27 @@ QStringList raceAndCrash(FormFixture& f)
     return before;
 }
 
+// Files stop growing past `bytes` while it lives, as on a full disk: a write past it is
+// refused (SIGXFSZ ignored).
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(qint64 bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &normal);
+        rlimit full = normal;
+        full.rlim_cur = static_cast<rlim_t>(bytes);
+        setrlimit(RLIMIT_FSIZE, &full);
+    }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &normal); }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit normal{};
+};
+
 } // namespace
 
 class RecoveryTest : public QObject
@@ -151,17 +172,13 @@ private slots:
         f.click("Command1(0)");
         f.tick(1);
         f.pressF(1);
-        std::signal(SIGXFSZ, SIG_IGN);
-        rlimit normal{};
-        getrlimit(RLIMIT_FSIZE, &normal);
-        rlimit full = normal;
-        full.rlim_cur = QFileInfo(f.path("MARVO.jrn")).size();
-        setrlimit(RLIMIT_FSIZE, &full);
-        f.tick(1);
-        f.pressF(1);
         QLabel* notice = f.label("avisoDiario");
-        QVERIFY(!notice->isHidden() && notice->text().contains(QStringLiteral("diario")));
-        setrlimit(RLIMIT_FSIZE, &normal);
+        {
+            const FileSizeLimit full(QFileInfo(f.path("MARVO.jrn")).size());
+            f.tick(1);
+            f.pressF(1);
+            QVERIFY(!notice->isHidden() && notice->text().contains(QStringLiteral("diario")));
+        }
         QTRY_VERIFY_WITH_TIMEOUT(notice->isHidden(), 5000);
         f.close();
         QCOMPARE(journal::read(f.path("MARVO.jrn")).record.state.list1.size(), 2);
@@ -178,18 +195,14 @@ private slots:
             f.tick(1);
             f.pressF(1);
         }
-        std::signal(SIGXFSZ, SIG_IGN);
-        rlimit normal{};
-        getrlimit(RLIMIT_FSIZE, &normal);
-        rlimit full = normal;
-        full.rlim_cur = QFileInfo(f.path("MARVO.jrn")).size();
-        setrlimit(RLIMIT_FSIZE, &full);
-        // A fresh journal of the race is shorter than the refused one with its entries.
-        for (int i = 0; i < 2; ++i) {
-            f.tick(1);
-            f.pressF(1);
+        {
+            const FileSizeLimit full(QFileInfo(f.path("MARVO.jrn")).size());
+            // A fresh journal of the race is shorter than the refused one with its entries.
+            for (int i = 0; i < 2; ++i) {
+                f.tick(1);
+                f.pressF(1);
+            }
         }
-        setrlimit(RLIMIT_FSIZE, &normal);
         QVERIFY(f.label("aviso")->text().contains(QStringLiteral("sigue en")));
         QVERIFY(f.label("avisoDiario")->isHidden());
         const QStringList marked = f.lines("List1");
