@@ -27,6 +27,9 @@ for round in $(seq "$ROUNDS"); do
     wait "$APP_PID" 2>/dev/null || true
     kill "$keys" 2>/dev/null || true
     wait "$keys" 2>/dev/null || true
+    # Killed between a press and its release, xdotool leaves F1 down in the X server: the next
+    # round's first press would come as a held key's repeat.
+    xdotool keyup F1
     APP_PID=
     cp "$WORK/MARVO.jrn" "$WORK/killed.jrn"
     journal_list1_of "$WORK/killed.jrn" >"$WORK/journal.txt"
