@@ -23,6 +23,7 @@ using texts::zeroClock;
 
 void FormMarvolendo::Command4_Click()
 {
+    clearRefused = false;
     // Nothing recorded and the clock at zero: there is nothing to lose, so no question, unless
     // entrants are loaded, which go with the race.
     if (session.clockCaption() != zeroClock || !race.list1().isEmpty() ||
@@ -34,8 +35,10 @@ void FormMarvolendo::Command4_Click()
             return;
         // Nothing is lost by a click: the race as it stands is kept first, and a race that
         // cannot be kept is not cleared.
-        if (!session.keepCurrent())
+        if (!session.keepCurrent()) {
+            clearRefused = true;
             return;
+        }
     }
 
     const Race::Batch batch(race);

@@ -400,6 +400,7 @@ void FormMarvolendo::buildRaceMenu()
         restored = statefile::Restored{chosen, 8, true};
         recuperar();
         race.apply(raceedits::relabelled(race.record(), session.editContext()));
+        race.replaced();
     });
     carrera->addSeparator();
     QAction* acerca = carrera->addAction(QStringLiteral("Acerca de Marvolendo"));

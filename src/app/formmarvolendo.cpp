@@ -207,10 +207,10 @@ void FormMarvolendo::recuperar()
         race.restore(saved.combo1, saved.list1, saved.list2);
         restored.reset();
     } else {
-        // The results are about to be emptied: the race with them is kept first.
-        if (!race.list1().isEmpty() || !race.combo1().isEmpty())
-            session.keepCurrent();
-        race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
+        // The results are about to be emptied: the race with them is kept first, and a race
+        // that cannot be kept is not emptied.
+        if ((race.list1().isEmpty() && race.combo1().isEmpty()) || session.keepCurrent())
+            race.apply(RaceChange::of(RaceChange::Kind::ResultsEmptied));
     }
 
     const double format = number(race.state().formato);

@@ -121,6 +121,7 @@ private:
     QString intervalo;
     int respuesta = 0;
     qint16 errores = 0;
+    bool clearRefused = false; // the last clear found no room to keep the race first
     // The field that has the focus, as the keystroke filter sees it.
     double tipoCampo = 0;
     double minCampo = 0;

@@ -69,9 +69,20 @@ void FormMarvolendo::op2_Click(int index)
         }
     }
 
+    const Variant taken = race.state().formato;
     race.setFormato(double(checkedFormat()));
-    if (!race.running())
+    if (!race.running()) {
         Command4_Click();
+        if (clearRefused) {
+            // The race could not be kept, so it was not cleared: it stays in its own format.
+            race.setFormato(taken);
+            for (QAction* a : op2)
+                a->setChecked(false);
+            if (QAction* current = formatEntry(op2, taken))
+                current->setChecked(true);
+            return;
+        }
+    }
 
     // The whole-seconds clock also covers the place of the fraction label.
     placeClock(number(race.state().formato) == 0);

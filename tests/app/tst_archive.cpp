@@ -105,10 +105,21 @@ private slots:
         f.open();
         f.dialogs.answers = {Dialogs::Ok};
         f.click("Command4");
-        // A race that cannot be kept is not cleared.
+        // A race that cannot be kept is not cleared, nor emptied by the compact window, nor
+        // put in another format.
         QCOMPARE(f.lines("List1"), stoppedRace(2, 0).list1);
         QVERIFY(f.label("aviso")->text().contains(QStringLiteral("copia de la carrera")));
         QVERIFY(f.dialogs.shown.size() == 1); // only the question of the clear
+        f.trigger("opp4");
+        QCOMPARE(f.lines("List1"), stoppedRace(2, 0).list1);
+        f.trigger("opp4");
+        f.dialogs.answers = {Dialogs::Ok};
+        f.trigger("op2(0)");
+        QCOMPARE(f.lines("List1"), stoppedRace(2, 0).list1);
+        QVERIFY(f.action("op2(2)")->isChecked() && !f.action("op2(0)")->isChecked());
+        f.click("Command5");
+        QCOMPARE(statefile::read(f.path("MARVO.dat")).state.formato, Variant(2.0));
+        QCOMPARE(f.dialogs.shown.size(), 2);
         // A damaged kept race is listed as unreadable, and choosing it changes nothing.
         QFile::remove(f.path(QLatin1String(archive::folderName)));
         QDir(f.dir.path()).mkdir(QLatin1String(archive::folderName));

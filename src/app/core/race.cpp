@@ -198,6 +198,11 @@ template <typename T> void Race::setValue(T& field, const T& value)
     valuesChanged();
 }
 
+void Race::replaced()
+{
+    valuesChanged();
+}
+
 void Race::valuesChanged()
 {
     if (batchDepth > 0) {

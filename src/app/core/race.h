@@ -107,6 +107,10 @@ public:
     void setLast(const QString& label5);
     void setLastDifference(const QString& label8);
 
+    // The race replaced whole (a kept race made the current one): announced as a Values
+    // change, so that the journal takes it whole whatever values it shares with the race before.
+    void replaced();
+
     // Values changed while a Batch lives are announced when the outermost one ends: a handler
     // that sets five values makes one journal entry.
     class Batch
