@@ -79,7 +79,7 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
     const QHash<int, qint64> startOrder = startOrderTimes(list2);
     results.timeTrial = results.timeTrial || !list2.isEmpty();
 
-    QList<Row> ranked, noStart, unidentified, repeated;
+    QList<Row> ranked, beforeStart, noStart, unidentified, repeated;
     QSet<int> counted;
     for (qsizetype i = 0; i < list1.size(); ++i) {
         Row row;
@@ -105,9 +105,14 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
                 row.startMs = entrants[row.entrant].salidaMs;
             else if (startOrder.contains(row.bib))
                 row.startMs = startOrder.value(row.bib);
-            if (!row.startMs || (row.finishMs && *row.finishMs < *row.startMs)) {
+            if (!row.startMs) {
                 row.status = Status::NoStart;
                 noStart << row;
+                continue;
+            }
+            if (row.finishMs && *row.finishMs < *row.startMs) {
+                row.status = Status::BeforeStart;
+                beforeStart << row;
                 continue;
             }
             if (row.finishMs)
@@ -119,25 +124,27 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
     }
 
     std::stable_sort(ranked.begin(), ranked.end(), ranksBefore);
+    const std::optional<qint64> leader = ranked.isEmpty() ? std::nullopt : ranked.first().timeMs;
     QList<int> categoryCount(results.categories.size());
-    QList<std::optional<qint64>> categoryBest(results.categories.size());
+    QList<std::optional<qint64>> categoryLeader(results.categories.size());
     for (qsizetype i = 0; i < ranked.size(); ++i) {
         Row& row = ranked[i];
         row.position = static_cast<int>(i + 1);
-        if (row.timeMs && ranked.first().timeMs)
-            row.gapMs = *row.timeMs - *ranked.first().timeMs;
+        const std::optional<qint64> base = row.timeMs;
+        if (base && leader)
+            row.gapMs = *base - *leader;
         if (row.entrant < 0)
             continue;
         const int c = categoryIndex.value(entrants[row.entrant].categoria, -1);
         if (c < 0)
             continue;
         row.categoryPosition = ++categoryCount[c];
-        if (!categoryBest[c])
-            categoryBest[c] = row.timeMs;
-        if (row.timeMs && categoryBest[c])
-            row.categoryGapMs = *row.timeMs - *categoryBest[c];
+        if (row.categoryPosition == 1)
+            categoryLeader[c] = base;
+        if (base && categoryLeader[c])
+            row.categoryGapMs = *base - *categoryLeader[c];
     }
-    results.rows = ranked + noStart + unidentified + repeated;
+    results.rows = ranked + beforeStart + noStart + unidentified + repeated;
     return results;
 }
 

@@ -2,7 +2,8 @@
 // time trial (an entrant with a start time, or a start order loaded) runners are ranked by
 // riding time, the finish time less their start; otherwise by finish time. A bib recorded
 // twice counts at its first finish. Finishes that cannot be ranked are kept apart: a runner
-// of a time trial without a start time, a bib that is 0 or not among the entrants, a repeat.
+// of a time trial who finished before his start or has no start time, a bib that is 0 or not
+// among the entrants, a repeat.
 #pragma once
 
 #include "results/core/entrants.h"
@@ -16,7 +17,7 @@
 namespace classification
 {
 
-enum class Status { Ranked, NoStart, Unidentified, Repeated };
+enum class Status { Ranked, BeforeStart, NoStart, Unidentified, Repeated };
 
 struct Row {
     int arrival = 0; // the finish's line in the results list, from 1
@@ -35,8 +36,9 @@ struct Row {
 struct Results {
     bool timeTrial = false;
     bool withEntrants = false;
-    // Every finish once: the ranked in order, then the runners without a start time, the
-    // unidentified and the repeats, each in the order they finished.
+    // Every finish once: the ranked in order, then the finishes before the runner's start, the
+    // runners without a start time, the unidentified and the repeats, each in the order they
+    // finished.
     QList<Row> rows;
     // The categories of the entrants, in the order they first appear in the file.
     QStringList categories;

@@ -28,6 +28,8 @@ const entrants::Entrant* entrantOf(const Row& row, const QList<entrants::Entrant
 QString statusText(Status status)
 {
     switch (status) {
+    case Status::BeforeStart:
+        return QStringLiteral("Llegada antes de su salida");
     case Status::NoStart:
         return QStringLiteral("Sin hora de salida");
     case Status::Unidentified:
@@ -46,13 +48,19 @@ struct Columns {
     const QList<entrants::Entrant>& entrants;
     int digits;
 
+    static void add(Table& t, const QString& header, Column column, Place place)
+    {
+        t.header << header;
+        t.columns << column;
+        t.places << place;
+    }
     void entrantHeader(Table& t) const
     {
         if (!results.withEntrants)
             return;
-        t.header << QStringLiteral("Nombre") << QStringLiteral("Club")
-                 << QStringLiteral("Categoría");
-        t.columns << Column::WideText << Column::WideText << Column::Text;
+        add(t, QStringLiteral("Nombre"), Column::WideText, Place::Main);
+        add(t, QStringLiteral("Club"), Column::WideText, Place::Detail);
+        add(t, QStringLiteral("Categoría"), Column::Text, Place::Detail);
     }
     void entrantCells(QStringList& cells, const Row& row) const
     {
@@ -63,22 +71,19 @@ struct Columns {
               << (e ? e->categoria : QString());
     }
 
-    Table ranked(const QString& title) const
+    Table ranked(const QString& title, const QString& label) const
     {
-        Table t{title,
-                {QStringLiteral("Pos."), QStringLiteral("Dorsal")},
-                {},
-                {Column::Number, Column::Number}};
+        Table t{title, label, {}, {}, {}, {}};
+        add(t, QStringLiteral("Pos."), Column::Number, Place::Main);
+        add(t, QStringLiteral("Dorsal"), Column::Number, Place::Main);
         entrantHeader(t);
         if (results.timeTrial) {
-            t.header << QStringLiteral("Salida") << QStringLiteral("Tiempo neto");
-            t.columns << Column::Number << Column::Number;
+            add(t, QStringLiteral("Salida"), Column::Number, Place::NamedDetail);
+            add(t, QStringLiteral("Tiempo neto"), Column::Number, Place::Main);
         } else {
-            t.header << QStringLiteral("Tiempo");
-            t.columns << Column::Number;
+            add(t, QStringLiteral("Tiempo"), Column::Number, Place::Main);
         }
-        t.header << QStringLiteral("Diferencia");
-        t.columns << Column::Number;
+        add(t, QStringLiteral("Diferencia"), Column::Number, Place::Detail);
         return t;
     }
     QStringList rankedCells(const Row& row, int position, const std::optional<qint64>& gap) const
@@ -91,21 +96,24 @@ struct Columns {
         return cells;
     }
 
+    // The finish time on the race clock; before the runner's start, the start beside it.
     Table apart(Status status) const
     {
-        Table t{statusText(status),
-                {QStringLiteral("Llegada"), QStringLiteral("Dorsal")},
-                {},
-                {Column::Number, Column::Number}};
+        Table t{statusText(status), {}, {}, {}, {}, {}};
+        add(t, QStringLiteral("Llegada"), Column::Number, Place::Main);
+        add(t, QStringLiteral("Dorsal"), Column::Number, Place::Main);
         entrantHeader(t);
-        t.header << QStringLiteral("Tiempo");
-        t.columns << Column::Number;
+        if (status == Status::BeforeStart)
+            add(t, QStringLiteral("Salida"), Column::Number, Place::NamedDetail);
+        add(t, QStringLiteral("Tiempo"), Column::Number, Place::Main);
         return t;
     }
     QStringList apartCells(const Row& row) const
     {
         QStringList cells{QString::number(row.arrival), QString::number(row.bib)};
         entrantCells(cells, row);
+        if (row.status == Status::BeforeStart)
+            cells << optionalClock(row.startMs, digits);
         cells << optionalClock(row.finishMs, digits);
         return cells;
     }
@@ -155,12 +163,13 @@ Report report(const classification::Results& results, const QList<entrants::Entr
               int fractionDigits, const QString& raceName, const QDate& date)
 {
     const Columns columns{results, entrants, fractionDigits};
-    Report report{raceName, date, {}};
+    Report report{raceName, date, {}, {}};
 
-    Table general = columns.ranked(QStringLiteral("Clasificación general"));
+    Table general =
+        columns.ranked(QStringLiteral("Clasificación general"), QStringLiteral("General"));
     QList<Table> byCategory;
     for (const QString& category : results.categories)
-        byCategory << columns.ranked(QStringLiteral("Categoría %1").arg(category));
+        byCategory << columns.ranked(QStringLiteral("Categoría %1").arg(category), category);
     QList<Table> apart;
     Status apartStatus = Status::Ranked;
     for (const Row& row : results.rows) {
@@ -179,11 +188,16 @@ Report report(const classification::Results& results, const QList<entrants::Entr
         }
         apart.last().rows << columns.apartCells(row);
     }
+    report.summary << Summary{QStringLiteral("Clasificados: %1").arg(general.rows.size()), 0};
     report.tables << general;
     for (const Table& t : byCategory)
         if (!t.rows.isEmpty())
             report.tables << t;
-    report.tables << apart;
+    for (const Table& t : apart) {
+        report.summary << Summary{QStringLiteral("%1: %2").arg(t.title).arg(t.rows.size()),
+                                  static_cast<int>(report.tables.size())};
+        report.tables << t;
+    }
     return report;
 }
 

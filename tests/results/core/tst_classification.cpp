@@ -37,7 +37,7 @@ const QStringList race = {line(1, 5, "00:10:00:000"),  line(2, 0, "00:10:01:000"
 // Each row as status/bib/position/time/gap/category position/category gap.
 QString describe(const classification::Results& r)
 {
-    static const char* statuses[] = {"R", "S", "U", "D"};
+    static const char* statuses[] = {"R", "B", "S", "U", "D"};
     QStringList rows;
     for (const classification::Row& row : r.rows)
         rows << QStringLiteral("%1%2 p%3 t%4 g%5 c%6 cg%7")
@@ -81,6 +81,12 @@ private slots:
             << "R9 p1 t482500 g0 c1 cg0 | R5 p2 t540000 g57500 c2 cg57500 | R2 p3 t605250 "
                "g122750 c3 cg122750 | S77 p0 t- g- c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 "
                "cg-";
+        QTest::newRow("time trial: a finish before the rider's start is kept apart, first")
+            << QList<entrants::Entrant>{entrant(5, "M", 60000), entrant(9, "M", 700000),
+                                        entrant(2, "M", 0), entrant(77, "M")}
+            << QStringList{}
+            << "R5 p1 t540000 g0 c1 cg0 | R2 p2 t605250 g65250 c2 cg65250 | B9 p0 t- g- c0 cg- "
+               "| S77 p0 t- g- c0 cg- | U0 p0 t- g- c0 cg- | D5 p0 t- g- c0 cg-";
         QTest::newRow("time trial from the start order; the entrant's own start goes first")
             << QList<entrants::Entrant>{entrant(5, {}), entrant(9, {}), entrant(2, {}, 300000),
                                         entrant(77, {})}
@@ -156,6 +162,37 @@ private slots:
         QCOMPARE(cells.mid(21, 7), (QStringList{"1", "9", "N9", "", "M", "0:10:02,500", ""}));
         // The unidentified: arrival number, bib, the entrant's columns blank, the finish time.
         QCOMPARE(cells.mid(28, 6), (QStringList{"2", "0", "", "", "", "0:10:01,000"}));
+    }
+
+    void finishBeforeStart()
+    {
+        // Bib 9 starts at 0:12:00 and finishes at 0:10:02.5: named for what it is, right after
+        // the ranked, with both times, and counted at the top.
+        const QList<entrants::Entrant> entered{entrant(5, "M", 60000), entrant(9, "M", 720000),
+                                               entrant(2, "M", 0)};
+        const classification::Results results = classification::classify(race, entered, {});
+        const resultsreport::Report report =
+            resultsreport::report(results, entered, 3, QStringLiteral("CRI"), QDate(2026, 5, 1));
+        QStringList titles;
+        for (const resultsreport::Table& t : report.tables)
+            titles << t.title;
+        QCOMPARE(titles,
+                 (QStringList{"Clasificación general", "Categoría M", "Llegada antes de su salida",
+                              "Sin identificar", "Repetidos"}));
+        const resultsreport::Table& early = report.tables[2];
+        QCOMPARE(early.header, (QStringList{"Llegada", "Dorsal", "Nombre", "Club", "Categoría",
+                                            "Salida", "Tiempo"}));
+        QCOMPARE(early.rows,
+                 (QList<QStringList>{{"3", "9", "N9", "", "M", "0:12:00,000", "0:10:02,500"}}));
+        QStringList summary;
+        for (const resultsreport::Summary& part : report.summary)
+            summary << QStringLiteral("%1 %2").arg(part.text).arg(part.table);
+        QCOMPARE(summary, (QStringList{"Clasificados: 2 0", "Llegada antes de su salida: 1 2",
+                                       "Sin identificar: 2 3", "Repetidos: 1 4"}));
+
+        const QByteArray csv = resultsreport::csv(results, entered, 0);
+        QVERIFY2(csv.contains("\r\n;9;N9;;;M;;;0:12:00;0:10:02;;;Llegada antes de su salida\r\n"),
+                 csv.constData());
     }
 };
 
