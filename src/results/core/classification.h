@@ -4,6 +4,13 @@
 // twice counts at its first finish. Finishes that cannot be ranked are kept apart: a runner
 // of a time trial who finished before his start or has no start time, a bib that is 0 or not
 // among the entrants, a repeat.
+//
+// The gaps follow the screen. Where no start is involved, the lines carry the difference a Lap
+// wrote, the clock's to the thousandth cut to the format: a gap to the first line is that
+// difference, and a gap to another leader is the runner's difference less the leader's. Lines
+// whose differences do not fit their times (the bibs-and-times mode writes a difference that
+// does not run) give their gaps from the times. In a time trial a gap is the riding time less
+// the leader's. Either is cut, never rounded, when written.
 #pragma once
 
 #include "results/core/entrants.h"

@@ -164,6 +164,68 @@ private slots:
         QCOMPARE(cells.mid(28, 6), (QStringList{"2", "0", "", "", "", "0:10:01,000"}));
     }
 
+    void gapsAsTheScreen_data()
+    {
+        QTest::addColumn<QStringList>("list1");
+        QTest::addColumn<QList<entrants::Entrant>>("entered");
+        QTest::addColumn<QString>("expected");
+
+        // In "Segundos" the first finished at 0:10:00.9 and the second at 0:10:02.1: the screen
+        // wrote 0:00:01, the clock's difference cut, and the results give the same.
+        const QStringList segundos{"   1-   5- 00:10:00 - 0:00:00", "   2-   9- 00:10:02 - 0:00:01",
+                                   "   3-   2- 00:10:04 - 0:00:04",
+                                   "   4-   7- 00:10:05 - 0:00:04"};
+        QTest::newRow("Segundos: the differences of the lines")
+            << segundos << QList<entrants::Entrant>{}
+            << "R5 p1 t600000 g0 c0 cg- | R9 p2 t602000 g1000 c0 cg- | R2 p3 t604000 g4000 c0 cg- "
+               "| R7 p4 t605000 g4000 c0 cg-";
+        QTest::newRow("Segundos, categories: a category's gap is the difference of the screen's")
+            << segundos
+            << QList<entrants::Entrant>{entrant(5, "A"), entrant(9, "B"), entrant(2, "A"),
+                                        entrant(7, "B")}
+            << "R5 p1 t600000 g0 c1 cg0 | R9 p2 t602000 g1000 c1 cg0 | R2 p3 t604000 g4000 c2 "
+               "cg4000 | R7 p4 t605000 g4000 c2 cg3000";
+        QTest::newRow("Segundos, the first line not ranked: from the leader's screen difference")
+            << QStringList{"   1-   0- 00:10:00 - 0:00:00", "   2-   9- 00:10:02 - 0:00:01",
+                           "   3-   2- 00:10:04 - 0:00:04"}
+            << QList<entrants::Entrant>{}
+            << "R9 p1 t602000 g0 c0 cg- | R2 p2 t604000 g3000 c0 cg- | U0 p0 t- g- c0 cg-";
+        QTest::newRow("Centesimas: the differences of the lines")
+            << QStringList{"   1-   5- 00:10:00:95 - 0:00:00:00",
+                           "   2-   9- 00:10:01:00 - 0:00:00:04"}
+            << QList<entrants::Entrant>{} << "R5 p1 t600950 g0 c0 cg- | R9 p2 t601000 g40 c0 cg-";
+        // The bibs-and-times mode writes the difference as it stands, which does not run: the
+        // gaps come from the times.
+        QTest::newRow("differences that do not fit the times: from the times")
+            << QStringList{"   1-   5- 00:10:00 - 0:00:00", "   2-   9- 00:10:02 - 0:00:00",
+                           "   3-   2- 00:10:04 - 0:00:00"}
+            << QList<entrants::Entrant>{}
+            << "R5 p1 t600000 g0 c0 cg- | R9 p2 t602000 g2000 c0 cg- | R2 p3 t604000 g4000 c0 cg-";
+        QTest::newRow("a line whose difference cannot be read: from the times")
+            << QStringList{"   1-   5- 00:10:00 - 0:00:00", "   2-   9- 00:10:02 - 0:00:01",
+                           "   3-   2- 00:10:04 - x"}
+            << QList<entrants::Entrant>{}
+            << "R5 p1 t600000 g0 c0 cg- | R9 p2 t602000 g2000 c0 cg- | R2 p3 t604000 g4000 c0 cg-";
+    }
+
+    void gapsAsTheScreen()
+    {
+        QFETCH(QStringList, list1);
+        QFETCH(QList<entrants::Entrant>, entered);
+        QFETCH(QString, expected);
+        QCOMPARE(describe(classification::classify(list1, entered, {})), expected);
+    }
+
+    void spreadsheetInSegundos()
+    {
+        const QStringList lines{"   1-   5- 00:10:00 - 0:00:00", "   2-   9- 00:10:02 - 0:00:01"};
+        QCOMPARE(resultsreport::csv(classification::classify(lines, {}, {}), {}, 0),
+                 QByteArray("\xEF\xBB\xBF"
+                            "Puesto;Dorsal;Llegada;Tiempo;Diferencia;Observaciones\r\n"
+                            "1;5;0:10:00;0:10:00;;\r\n"
+                            "2;9;0:10:02;0:10:02;+0:00:01;\r\n"));
+    }
+
     void finishBeforeStart()
     {
         // Bib 9 starts at 0:12:00 and finishes at 0:10:02.5: named for what it is, right after
