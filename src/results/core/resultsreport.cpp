@@ -203,42 +203,138 @@ Report report(const classification::Results& results, const QList<entrants::Entr
 
 QByteArray html(const Report& report)
 {
+    // A phone first: below 40em the table's rows become two lines, place, bib, name and time
+    // on the first, the other cells smaller on the second (the start after its header), both
+    // to the right of the place and the bib (every table begins with those two numbers).
+    // Wider, and on paper, the tables are plain tables.
+    static const QString style = QStringLiteral(
+        "body{font-family:system-ui,sans-serif;margin:0 auto;padding:.5em .6em;max-width:72em;"
+        "color:#222;line-height:1.35}\n"
+        "h1{font-size:1.35em;margin:.2em 0}\np.fecha{color:#555;margin:0}\n"
+        "p.resumen{margin:.5em 0}\np.resumen a{color:#a40000;font-weight:bold}\n"
+        "nav{margin:.6em 0}\n"
+        "nav a{display:inline-block;margin:0 .3em .4em 0;padding:.3em .75em;border:1px solid "
+        "#9bb;border-radius:1em;color:#0b4f8a;background:#f2f7fb;text-decoration:none}\n"
+        "h2{font-size:1.1em;margin:1.3em 0 .3em}\n"
+        "h2 a{font-size:.75em;font-weight:normal;margin-left:.8em;color:#0b4f8a}\n"
+        "table{border-collapse:collapse;width:100%}\n"
+        "th,td{padding:.3em .5em;border-bottom:1px solid #ddd;text-align:left;"
+        "vertical-align:top}\n"
+        "th{background:#eee}\n"
+        ".n{text-align:right;white-space:nowrap;font-variant-numeric:tabular-nums}\n"
+        ".x{white-space:nowrap}\n"
+        "tbody tr:nth-child(even){background:#f6f6f6}\n"
+        "@media screen and (max-width:40em){\n"
+        "body{padding:.4em}\nthead{display:none}\ntable,tbody{display:block}\n"
+        "tr{display:flex;flex-wrap:wrap;align-items:baseline;position:relative;"
+        "padding:.3em 0 .3em 5.7em;border-bottom:1px solid #ddd}\n"
+        "td{border:0;padding:0 .25em}\n"
+        "td:nth-child(-n+2){position:absolute;top:.3em;box-sizing:border-box}\n"
+        "td:nth-child(1){left:0;width:2.9em}\ntd:nth-child(2){left:2.9em;width:2.8em}\n"
+        "td.w{flex:1 1 0;min-width:0;overflow-wrap:anywhere;font-weight:600}\n"
+        "td.t{margin-left:auto}\n"
+        "tr::after{content:\"\";order:1;flex-basis:100%}\n"
+        "td.d{order:2;font-size:.85em;color:#555;text-align:left;margin-right:.4em}\n"
+        "td.d:empty{display:none}\ntd.x.d{white-space:normal}\n"
+        "td[data-h]::before{content:attr(data-h) \" \"}\n"
+        "}\n"
+        "@media print{nav,h2 a{display:none}body{max-width:none}tr{break-inside:avoid}"
+        "h2{break-after:avoid}}\n");
+    const auto anchor = [](qsizetype table) { return QStringLiteral("t%1").arg(table); };
+
     QString page;
-    page.reserve(1024 + report.tables.size() * 256);
+    qsizetype rows = 0;
+    for (const Table& t : report.tables)
+        rows += t.rows.size();
+    page.reserve(4096 + rows * 200);
     const QString title =
         report.raceName.isEmpty() ? QStringLiteral("Resultados") : escaped(report.raceName);
     page +=
         QStringLiteral("<!DOCTYPE html>\n<html lang=\"es\">\n<head>\n<meta charset=\"utf-8\"/>\n"
-                       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
-                       "<title>%1</title>\n<style>\n"
-                       "body{font-family:system-ui,sans-serif;margin:1em;color:#222}\n"
-                       "h1{font-size:1.4em;margin:0}\np.fecha{color:#555;margin:.2em 0 1em}\n"
-                       "h2{font-size:1.1em;margin:1.4em 0 .4em}\n"
-                       ".tabla{overflow-x:auto;-webkit-overflow-scrolling:touch}\n"
-                       "table{border-collapse:collapse;white-space:nowrap}\n"
-                       "th,td{padding:.25em .6em;border-bottom:1px solid #ddd;text-align:left}\n"
-                       "th{background:#eee}\ntd.n{text-align:right}\n"
-                       "tr:nth-child(even) td{background:#f7f7f7}\n"
-                       "</style>\n</head>\n<body>\n<h1>%1</h1>\n<p class=\"fecha\">%2</p>\n")
-            .arg(title, report.date.toString(QStringLiteral("dd/MM/yyyy")));
-    for (const Table& t : report.tables) {
-        page +=
-            QStringLiteral("<section>\n<h2>%1</h2>\n<div class=\"tabla\">\n<table>\n<thead><tr>")
-                .arg(escaped(t.title));
-        for (const QString& h : t.header)
-            page += QStringLiteral("<th>%1</th>").arg(escaped(h));
+                       "<meta name=\"viewport\" content=\"width=device-width, "
+                       "initial-scale=1\"/>\n<title>%1</title>\n<style>\n%2</style>\n</head>\n"
+                       "<body>\n<header id=\"indice\">\n<h1>%1</h1>\n<p class=\"fecha\">%3</p>\n")
+            .arg(title, style, report.date.toString(QStringLiteral("dd/MM/yyyy")));
+    // The counts, the kinds kept apart linked to their tables, then the classifications.
+    if (!report.summary.isEmpty()) {
+        page += QStringLiteral("<p class=\"resumen\">");
+        for (qsizetype i = 0; i < report.summary.size(); ++i) {
+            const Summary& part = report.summary[i];
+            if (i > 0)
+                page += QStringLiteral(" · ");
+            if (part.table > 0)
+                page += QStringLiteral("<a href=\"#%1\">%2</a>")
+                            .arg(anchor(part.table), escaped(part.text));
+            else
+                page += escaped(part.text);
+        }
+        page += QStringLiteral("</p>\n");
+    }
+    page += QStringLiteral("<nav aria-label=\"Clasificaciones\">\n");
+    for (qsizetype i = 0; i < report.tables.size(); ++i)
+        if (!report.tables[i].label.isEmpty())
+            page += QStringLiteral("<a href=\"#%1\">%2</a>\n")
+                        .arg(anchor(i), escaped(report.tables[i].label));
+    page += QStringLiteral("</nav>\n</header>\n");
+
+    for (qsizetype i = 0; i < report.tables.size(); ++i) {
+        const Table& t = report.tables[i];
+        page += QStringLiteral("<section id=\"%1\">\n<h2>%2<a href=\"#indice\">↑ índice</a></h2>\n"
+                               "<table>\n<thead><tr>")
+                    .arg(anchor(i), escaped(t.title));
+        // Each cell's classes: n a number, x a short text kept on one line, m on the first line, w
+        // the name that takes what is left of it, t the time at its end, d on the second line.
+        QStringList classes;
+        QStringList named;
+        bool wide = false;
+        qsizetype time = -1;
+        for (qsizetype c = 0; c < t.header.size(); ++c)
+            if (t.places.value(c) == Place::Main && t.columns.value(c) == Column::Number)
+                time = c;
+        for (qsizetype c = 0; c < t.header.size(); ++c) {
+            const Column column = t.columns.value(c);
+            const Place place = t.places.value(c);
+            QStringList cls;
+            if (column == Column::Number)
+                cls << QStringLiteral("n");
+            else if (column == Column::Text)
+                cls << QStringLiteral("x");
+            if (place == Place::Main) {
+                cls << QStringLiteral("m");
+                if (column == Column::WideText && !wide) {
+                    cls << QStringLiteral("w");
+                    wide = true;
+                }
+                if (c == time && c > 1)
+                    cls << QStringLiteral("t");
+            } else {
+                cls << QStringLiteral("d");
+            }
+            classes << cls.join(u' ');
+            named << (place == Place::NamedDetail
+                          ? QStringLiteral(" data-h=\"%1\"").arg(escaped(t.header[c]))
+                          : QString());
+            page += column == Column::Number ? QStringLiteral("<th class=\"n\">")
+                                             : QStringLiteral("<th>");
+            page += escaped(t.header[c]);
+            page += QStringLiteral("</th>");
+        }
         page += QStringLiteral("</tr></thead>\n<tbody>\n");
         for (const QStringList& cells : t.rows) {
             page += QStringLiteral("<tr>");
-            for (qsizetype i = 0; i < cells.size(); ++i) {
-                page += t.columns.value(i) == Column::Number ? QStringLiteral("<td class=\"n\">")
-                                                             : QStringLiteral("<td>");
-                page += escaped(cells[i]);
+            for (qsizetype c = 0; c < cells.size(); ++c) {
+                page += QStringLiteral("<td class=\"");
+                page += classes.value(c);
+                page += u'"';
+                if (!cells[c].isEmpty())
+                    page += named.value(c);
+                page += u'>';
+                page += escaped(cells[c]);
                 page += QStringLiteral("</td>");
             }
             page += QStringLiteral("</tr>\n");
         }
-        page += QStringLiteral("</tbody>\n</table>\n</div>\n</section>\n");
+        page += QStringLiteral("</tbody>\n</table>\n</section>\n");
     }
     page += QStringLiteral("</body>\n</html>\n");
     return page.toUtf8();

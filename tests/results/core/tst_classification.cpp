@@ -138,22 +138,42 @@ private slots:
         const QByteArray page = resultsreport::html(report);
         QVERIFY(page.startsWith("<!DOCTYPE html>"));
         QVERIFY(page.contains("width=device-width"));
-        QVERIFY(page.contains("overflow-x:auto"));
 
         // Read back as XML: every element closed, every text escaped.
         QXmlStreamReader xml(page);
-        QStringList headings, cells;
+        QStringList headings, cells, index, summary;
+        bool inIndex = false, inSummary = false;
         while (!xml.atEnd()) {
-            if (xml.readNext() != QXmlStreamReader::StartElement)
+            const QXmlStreamReader::TokenType token = xml.readNext();
+            if (token == QXmlStreamReader::EndElement && xml.name() == u"nav")
+                inIndex = false;
+            if (token == QXmlStreamReader::EndElement && xml.name() == u"p")
+                inSummary = false;
+            if (token == QXmlStreamReader::Characters && inSummary)
+                summary << xml.text().toString();
+            if (token != QXmlStreamReader::StartElement)
                 continue;
-            if (xml.name() == u"h1" || xml.name() == u"h2")
-                headings << xml.readElementText();
+            if (xml.name() == u"nav")
+                inIndex = true;
+            else if (xml.name() == u"p" &&
+                     xml.attributes().value(QStringLiteral("class")) == u"resumen")
+                inSummary = true;
+            else if (xml.name() == u"a" && (inIndex || inSummary)) {
+                const QString href = xml.attributes().value(QStringLiteral("href")).toString();
+                (inIndex ? index : summary) << href + u' ' + xml.readElementText();
+            } else if (xml.name() == u"h1" || xml.name() == u"h2")
+                headings << xml.readElementText(QXmlStreamReader::IncludeChildElements)
+                                .remove(QStringLiteral("↑ índice"));
             else if (xml.name() == u"td")
                 cells << xml.readElementText();
         }
         QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
         QCOMPARE(headings, (QStringList{"Trail «A&B»", "Clasificación general", "Categoría F",
                                         "Categoría M", "Sin identificar", "Repetidos"}));
+        // The index links to each classification, the summary to each kind kept apart.
+        QCOMPARE(index, (QStringList{"#t0 General", "#t1 F", "#t2 M"}));
+        QCOMPARE(summary.join(QString()),
+                 QStringLiteral("Clasificados: 2 · #t3 Sin identificar: 3 · #t4 Repetidos: 1"));
         // The general classification's first row, then the category tables' rows.
         QCOMPARE(cells.mid(0, 7),
                  (QStringList{"1", "5", "<Ana & Eva>", "", "F", "0:10:00,000", ""}));
