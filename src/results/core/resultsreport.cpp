@@ -201,12 +201,100 @@ Report report(const classification::Results& results, const QList<entrants::Entr
     return report;
 }
 
+namespace
+{
+
+// How the columns of a table look, the same for every table with the same columns: each
+// column's part in the page's rules, as selectors of its cells.
+struct Looks {
+    // The rules' selectors: numbers, short texts kept on one line, and on a phone the cells of
+    // the first line's name and time, the second line's cells, the short texts there, and the
+    // cells shown after their header.
+    QStringList number, shortText, name, time, detail, shortDetail;
+    QList<std::pair<QString, QString>> named; // selector, header
+    QStringList signatures;                   // one a kind of table, its class "kN"
+
+    // The class of a table's <table>, its columns added to the rules the first time.
+    QString of(const Table& t)
+    {
+        QString signature;
+        for (qsizetype c = 0; c < t.header.size(); ++c)
+            signature +=
+                QStringLiteral("%1%2%3|")
+                    .arg(int(t.columns.value(c)))
+                    .arg(int(t.places.value(c)))
+                    .arg(t.places.value(c) == Place::NamedDetail ? t.header[c] : QString());
+        qsizetype k = signatures.indexOf(signature);
+        if (k >= 0)
+            return QStringLiteral("k%1").arg(k);
+        k = signatures.size();
+        signatures << signature;
+        // The time is the last number of the first line; every table begins with two numbers,
+        // the place and the bib, which the rules set apart on their own.
+        qsizetype last = -1;
+        for (qsizetype c = 0; c < t.header.size(); ++c)
+            if (t.places.value(c) == Place::Main && t.columns.value(c) == Column::Number)
+                last = c;
+        bool wide = false;
+        for (qsizetype c = 0; c < t.header.size(); ++c) {
+            const QString cell = QStringLiteral("table.k%1 td:nth-child(%2)").arg(k).arg(c + 1);
+            const Column column = t.columns.value(c);
+            const Place place = t.places.value(c);
+            if (column == Column::Number)
+                number << cell << QStringLiteral("table.k%1 th:nth-child(%2)").arg(k).arg(c + 1);
+            else if (column == Column::Text)
+                shortText << cell;
+            if (place == Place::Main) {
+                if (column == Column::WideText && !wide) {
+                    name << cell;
+                    wide = true;
+                }
+                if (c == last && c > 1)
+                    time << cell;
+                continue;
+            }
+            detail << cell;
+            if (column == Column::Text)
+                shortDetail << cell;
+            if (place == Place::NamedDetail)
+                named.append({cell, t.header[c]});
+        }
+        return QStringLiteral("k%1").arg(k);
+    }
+
+    QString rules() const
+    {
+        const auto rule = [](const QStringList& selectors, const char* declarations) {
+            return selectors.isEmpty() ? QString()
+                                       : selectors.join(u',') + u'{' + QLatin1String(declarations) +
+                                             QStringLiteral("}\n");
+        };
+        QString css = rule(number, "text-align:right;white-space:nowrap;"
+                                   "font-variant-numeric:tabular-nums") +
+                      rule(shortText, "white-space:nowrap");
+        css += QStringLiteral("@media screen and (max-width:40em){\n");
+        css += rule(name, "flex:1 1 0;min-width:0;overflow-wrap:anywhere;font-weight:600") +
+               rule(time, "margin-left:auto") +
+               rule(detail, "order:2;font-size:.85em;color:#555;text-align:left;"
+                            "margin-right:.4em") +
+               rule(shortDetail, "white-space:normal");
+        for (const auto& [selector, header] : named)
+            css += QStringLiteral("%1:not(:empty)::before{content:\"%2 \"}\n")
+                       .arg(selector, header.toHtmlEscaped());
+        css += QStringLiteral("}\n");
+        return css;
+    }
+};
+
+} // namespace
+
 QByteArray html(const Report& report)
 {
     // A phone first: below 40em the table's rows become two lines, place, bib, name and time
     // on the first, the other cells smaller on the second (the start after its header), both
-    // to the right of the place and the bib (every table begins with those two numbers).
-    // Wider, and on paper, the tables are plain tables.
+    // to the right of the place and the bib. Wider, and on paper, the tables are plain tables.
+    // The cells carry no classes: the rules pick them by their column, which keeps a big
+    // race's page small.
     static const QString style = QStringLiteral(
         "body{font-family:system-ui,sans-serif;margin:0 auto;padding:.5em .6em;max-width:72em;"
         "color:#222;line-height:1.35}\n"
@@ -221,40 +309,39 @@ QByteArray html(const Report& report)
         "th,td{padding:.3em .5em;border-bottom:1px solid #ddd;text-align:left;"
         "vertical-align:top}\n"
         "th{background:#eee}\n"
-        ".n{text-align:right;white-space:nowrap;font-variant-numeric:tabular-nums}\n"
-        ".x{white-space:nowrap}\n"
         "tbody tr:nth-child(even){background:#f6f6f6}\n"
         "@media screen and (max-width:40em){\n"
         "body{padding:.4em}\nthead{display:none}\ntable,tbody{display:block}\n"
         "tr{display:flex;flex-wrap:wrap;align-items:baseline;position:relative;"
         "padding:.3em 0 .3em 5.7em;border-bottom:1px solid #ddd}\n"
         "td{border:0;padding:0 .25em}\n"
-        "td:nth-child(-n+2){position:absolute;top:.3em;box-sizing:border-box}\n"
+        "td:nth-child(-n+2){position:absolute;top:.3em;box-sizing:border-box;text-align:right}\n"
         "td:nth-child(1){left:0;width:2.9em}\ntd:nth-child(2){left:2.9em;width:2.8em}\n"
-        "td.w{flex:1 1 0;min-width:0;overflow-wrap:anywhere;font-weight:600}\n"
-        "td.t{margin-left:auto}\n"
         "tr::after{content:\"\";order:1;flex-basis:100%}\n"
-        "td.d{order:2;font-size:.85em;color:#555;text-align:left;margin-right:.4em}\n"
-        "td.d:empty{display:none}\ntd.x.d{white-space:normal}\n"
-        "td[data-h]::before{content:attr(data-h) \" \"}\n"
+        "td:empty{display:none}\n"
         "}\n"
         "@media print{nav,h2 a{display:none}body{max-width:none}tr{break-inside:avoid}"
         "h2{break-after:avoid}}\n");
     const auto anchor = [](qsizetype table) { return QStringLiteral("t%1").arg(table); };
 
+    Looks looks;
+    QStringList kinds;
+    for (const Table& t : report.tables)
+        kinds << looks.of(t);
+
     QString page;
     qsizetype rows = 0;
     for (const Table& t : report.tables)
         rows += t.rows.size();
-    page.reserve(4096 + rows * 200);
+    page.reserve(4096 + rows * 160);
     const QString title =
         report.raceName.isEmpty() ? QStringLiteral("Resultados") : escaped(report.raceName);
     page +=
         QStringLiteral("<!DOCTYPE html>\n<html lang=\"es\">\n<head>\n<meta charset=\"utf-8\"/>\n"
                        "<meta name=\"viewport\" content=\"width=device-width, "
-                       "initial-scale=1\"/>\n<title>%1</title>\n<style>\n%2</style>\n</head>\n"
-                       "<body>\n<header id=\"indice\">\n<h1>%1</h1>\n<p class=\"fecha\">%3</p>\n")
-            .arg(title, style, report.date.toString(QStringLiteral("dd/MM/yyyy")));
+                       "initial-scale=1\"/>\n<title>%1</title>\n<style>\n%2%3</style>\n</head>\n"
+                       "<body>\n<header id=\"indice\">\n<h1>%1</h1>\n<p class=\"fecha\">%4</p>\n")
+            .arg(title, style, looks.rules(), report.date.toString(QStringLiteral("dd/MM/yyyy")));
     // The counts, the kinds kept apart linked to their tables, then the classifications.
     if (!report.summary.isEmpty()) {
         page += QStringLiteral("<p class=\"resumen\">");
@@ -280,56 +367,19 @@ QByteArray html(const Report& report)
     for (qsizetype i = 0; i < report.tables.size(); ++i) {
         const Table& t = report.tables[i];
         page += QStringLiteral("<section id=\"%1\">\n<h2>%2<a href=\"#indice\">↑ índice</a></h2>\n"
-                               "<table>\n<thead><tr>")
-                    .arg(anchor(i), escaped(t.title));
-        // Each cell's classes: n a number, x a short text kept on one line, m on the first line, w
-        // the name that takes what is left of it, t the time at its end, d on the second line.
-        QStringList classes;
-        QStringList named;
-        bool wide = false;
-        qsizetype time = -1;
-        for (qsizetype c = 0; c < t.header.size(); ++c)
-            if (t.places.value(c) == Place::Main && t.columns.value(c) == Column::Number)
-                time = c;
-        for (qsizetype c = 0; c < t.header.size(); ++c) {
-            const Column column = t.columns.value(c);
-            const Place place = t.places.value(c);
-            QStringList cls;
-            if (column == Column::Number)
-                cls << QStringLiteral("n");
-            else if (column == Column::Text)
-                cls << QStringLiteral("x");
-            if (place == Place::Main) {
-                cls << QStringLiteral("m");
-                if (column == Column::WideText && !wide) {
-                    cls << QStringLiteral("w");
-                    wide = true;
-                }
-                if (c == time && c > 1)
-                    cls << QStringLiteral("t");
-            } else {
-                cls << QStringLiteral("d");
-            }
-            classes << cls.join(u' ');
-            named << (place == Place::NamedDetail
-                          ? QStringLiteral(" data-h=\"%1\"").arg(escaped(t.header[c]))
-                          : QString());
-            page += column == Column::Number ? QStringLiteral("<th class=\"n\">")
-                                             : QStringLiteral("<th>");
-            page += escaped(t.header[c]);
+                               "<table class=\"%3\">\n<thead><tr>")
+                    .arg(anchor(i), escaped(t.title), kinds[i]);
+        for (const QString& h : t.header) {
+            page += QStringLiteral("<th>");
+            page += escaped(h);
             page += QStringLiteral("</th>");
         }
         page += QStringLiteral("</tr></thead>\n<tbody>\n");
         for (const QStringList& cells : t.rows) {
             page += QStringLiteral("<tr>");
-            for (qsizetype c = 0; c < cells.size(); ++c) {
-                page += QStringLiteral("<td class=\"");
-                page += classes.value(c);
-                page += u'"';
-                if (!cells[c].isEmpty())
-                    page += named.value(c);
-                page += u'>';
-                page += escaped(cells[c]);
+            for (const QString& cell : cells) {
+                page += QStringLiteral("<td>");
+                page += escaped(cell);
                 page += QStringLiteral("</td>");
             }
             page += QStringLiteral("</tr>\n");
