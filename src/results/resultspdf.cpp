@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -328,46 +329,104 @@ private:
     }
 
     // The widths of the columns. Numbers and times as wide as their longest text; a short text
-    // (a category) too, up to a quarter of the page; the names and clubs share what is left, a
-    // column that needs less than its share taking what it needs and leaving the rest to the
-    // others. A text that still does not fit goes on more lines.
+    // (a category) too, up to a quarter of the page; the names and clubs share what is left,
+    // all of it: as they need when they fit, else so that the fewest rows take more than one
+    // line. A text that still does not fit goes on more lines.
     std::vector<qreal> widths(const Table& t) const
     {
         const QFontMetricsF b(bold, device);
         const auto columns = static_cast<std::size_t>(t.header.size());
-        std::vector<qreal> need(columns);
-        for (std::size_t c = 0; c < columns; ++c) {
-            const auto column = static_cast<qsizetype>(c);
-            qreal longest = b.horizontalAdvance(t.header[column]);
-            for (const QStringList& cells : t.rows)
-                longest = std::max(longest, setter->width(cells.value(column)));
-            need[c] = longest + 2 * pad;
-            if (t.columns.value(column) == Column::Text)
-                need[c] = std::min(need[c], width / 4);
-        }
-        std::vector<qreal> w = need;
+        std::vector<qreal> need(columns), least(columns);
         std::vector<std::size_t> wide;
+        std::vector<std::vector<qreal>> wideCells; // what each row needs in each wide column
         qreal left = width;
         for (std::size_t c = 0; c < columns; ++c) {
-            if (t.columns.value(static_cast<qsizetype>(c)) == Column::WideText)
+            const auto column = static_cast<qsizetype>(c);
+            const bool isWide = t.columns.value(column) == Column::WideText;
+            least[c] = need[c] = b.horizontalAdvance(t.header[column]) + 2 * pad;
+            std::vector<qreal> cells;
+            if (isWide)
+                cells.reserve(static_cast<std::size_t>(t.rows.size()));
+            for (const QStringList& row : t.rows) {
+                const qreal cell = setter->width(row.value(column)) + 2 * pad;
+                need[c] = std::max(need[c], cell);
+                if (isWide)
+                    cells.push_back(cell);
+            }
+            if (t.columns.value(column) == Column::Text)
+                need[c] = std::min(need[c], width / 4);
+            if (isWide) {
                 wide.push_back(c);
-            else
+                wideCells.push_back(std::move(cells));
+            } else {
                 left -= need[c];
+            }
+        }
+        std::vector<qreal> w = need;
+        if (wide.empty())
+            return w;
+        left = std::max<qreal>(left, 0);
+        qreal wanted = 0;
+        for (const std::size_t c : wide)
+            wanted += need[c];
+        if (wanted <= left) {
+            // Room to spare goes to the wide columns alike.
+            for (const std::size_t c : wide)
+                w[c] = need[c] + (left - wanted) / static_cast<qreal>(wide.size());
+            return w;
+        }
+        if (wide.size() == 2) {
+            const qreal first =
+                split(wideCells[0], wideCells[1], need[wide[0]], need[wide[1]],
+                      std::max(least[wide[0]], left / 4), std::max(least[wide[1]], left / 4), left);
+            w[wide[0]] = first;
+            w[wide[1]] = left - first;
+            return w;
         }
         // The narrowest first: each takes what it needs, up to an even share of what is left.
         std::sort(wide.begin(), wide.end(),
                   [&need](std::size_t one, std::size_t other) { return need[one] < need[other]; });
-        left = std::max<qreal>(left, 0);
         for (std::size_t i = 0; i < wide.size(); ++i) {
             const qreal share = left / static_cast<qreal>(wide.size() - i);
             w[wide[i]] = std::min(need[wide[i]], share);
             left -= w[wide[i]];
         }
-        // Room to spare goes to the wide columns alike.
-        if (!wide.empty() && left > 0)
-            for (const std::size_t c : wide)
-                w[c] += left / static_cast<qreal>(wide.size());
         return w;
+    }
+
+    // The width of the first of two columns sharing `room` that leaves the fewest rows with a
+    // cell too wide for its column; of equal ones, the nearest to a split in proportion to
+    // their longest cells. The widths tried are those that just fit a row's cell in either
+    // column, at most some hundred of them, spread over the rows.
+    static qreal split(const std::vector<qreal>& a, const std::vector<qreal>& b, qreal longestA,
+                       qreal longestB, qreal leastA, qreal leastB, qreal room)
+    {
+        const qreal even = room * longestA / (longestA + longestB);
+        const auto clamp = [&](qreal x) {
+            return std::clamp(x, leastA, std::max(leastA, room - leastB));
+        };
+        std::vector<qreal> tried{clamp(even)};
+        std::vector<qreal> sortedA = a, sortedB = b;
+        std::sort(sortedA.begin(), sortedA.end());
+        std::sort(sortedB.begin(), sortedB.end());
+        constexpr std::size_t samples = 64;
+        for (std::size_t s = 0; s < samples && !sortedA.empty(); ++s) {
+            const std::size_t at = (sortedA.size() - 1) * s / (samples - 1);
+            tried.push_back(clamp(sortedA[at]));
+            tried.push_back(clamp(room - sortedB[at * sortedB.size() / sortedA.size()]));
+        }
+        qreal best = tried.front();
+        std::size_t fewest = std::numeric_limits<std::size_t>::max();
+        for (const qreal x : tried) {
+            std::size_t over = 0;
+            for (std::size_t r = 0; r < a.size() && r < b.size(); ++r)
+                over += a[r] > x + 0.01 || b[r] > room - x + 0.01;
+            if (over < fewest || (over == fewest && std::abs(x - even) < std::abs(best - even))) {
+                fewest = over;
+                best = x;
+            }
+        }
+        return best;
     }
 
     // The lines of each cell of a row that does not fit on one (none for a cell that does);
