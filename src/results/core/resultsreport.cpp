@@ -320,8 +320,8 @@ QByteArray html(const Report& report)
         "tr::after{content:\"\";order:1;flex-basis:100%}\n"
         "td:empty{display:none}\n"
         "}\n"
-        "@media print{nav,h2 a{display:none}body{max-width:none}tr{break-inside:avoid}"
-        "h2{break-after:avoid}}\n");
+        "@media print{nav,h2 a{display:none}body{max-width:none;padding:0;font-size:9pt}"
+        "th,td{padding:.15em .4em}tr{break-inside:avoid}h2{break-after:avoid}}\n");
     const auto anchor = [](qsizetype table) { return QStringLiteral("t%1").arg(table); };
 
     Looks looks;
