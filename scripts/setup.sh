@@ -4,7 +4,7 @@ packages=(build-essential cmake ninja-build pkg-config qt6-base-dev qt6-base-dev
           unixodbc-dev odbc-mdbtools fonts-liberation fonts-dejavu-core
           xvfb xauth xdotool x11-utils clang clang-format libclang-rt-14-dev
           dpkg-dev fakeroot lintian appstream desktop-file-utils openbox wmctrl poppler-utils libxtst-dev
-          qt6-translations-l10n)
+          qt6-translations-l10n chromium)
 
 missing=()
 for p in "${packages[@]}"; do

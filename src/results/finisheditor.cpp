@@ -297,7 +297,7 @@ void FinishEditor::showCounts()
     if (checks.noBib() > 0)
         counts << QStringLiteral("sin dorsal: %1").arg(checks.noBib());
     if (checks.repeated() > 0)
-        counts << QStringLiteral("repetidos: %1").arg(checks.repeated());
+        counts << QStringLiteral("dorsales repetidos: %1").arg(checks.repeated());
     if (checks.notEntered() > 0)
         counts << QStringLiteral("no inscritos: %1").arg(checks.notEntered());
     estadoDorsales->setText(counts.join(QStringLiteral("   ")));

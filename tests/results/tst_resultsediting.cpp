@@ -219,7 +219,8 @@ private slots:
         QVERIFY(list->item(1)->background() != list->item(0)->background());
         QLabel* status = f.label("estadoDorsales");
         QVERIFY(!status->isHidden());
-        QCOMPARE(status->text(), QStringLiteral("sin dorsal: 1   repetidos: 2   no inscritos: 1"));
+        QCOMPARE(status->text(),
+                 QStringLiteral("sin dorsal: 1   dorsales repetidos: 1   no inscritos: 1"));
         QVERIFY(status->geometry().top() > list->geometry().bottom());
         // Correcting the repeated bib clears both lines; the text of the lines is untouched.
         list->setCurrentRow(2);

@@ -27,6 +27,46 @@ QHash<int, qint64> startOrderTimes(const QStringList& list2)
     return starts;
 }
 
+// The width of the format's last digit, from a time's length: a second, a hundredth, a
+// thousandth.
+qint64 unitOf(QStringView time)
+{
+    return time.size() == 8 ? 1000 : time.size() == 11 ? 10 : 1;
+}
+
+// The differences to the first line the lines carry, in milliseconds, when every line with a
+// time has one that fits it: the time less the first line's, or one unit of the format less
+// (the clock's difference, cut, may lose a unit that the two cut times do not). Empty when a
+// line's difference is missing, unreadable or does not fit.
+QList<qint64> screenDifferences(const QStringList& list1)
+{
+    QList<qint64> differences;
+    if (list1.isEmpty())
+        return differences;
+    const std::optional<QString> firstText = resultline::list1Time(list1.first());
+    const std::optional<qint64> first = firstText ? lineTimeMs(*firstText) : std::nullopt;
+    if (!first)
+        return differences;
+    differences.reserve(list1.size());
+    for (const QString& line : list1) {
+        const std::optional<QString> time = resultline::list1Time(line);
+        const std::optional<qint64> ms = time ? lineTimeMs(*time) : std::nullopt;
+        if (!ms) {
+            differences << 0; // a line without a time has no gap
+            continue;
+        }
+        // The difference drops the hours' first digit: "0:00:01" is 00:00:01.
+        const std::optional<QString> text = resultline::list1Difference(line);
+        const std::optional<qint64> difference =
+            text ? lineTimeMs(QString(u'0' + *text)) : std::nullopt;
+        const qint64 byTimes = *ms - *first;
+        if (!difference || (*difference != byTimes && *difference != byTimes - unitOf(*time)))
+            return {};
+        differences << *difference;
+    }
+    return differences;
+}
+
 bool ranksBefore(const Row& a, const Row& b)
 {
     // Lines without a time (the bibs-only capture) keep the order they arrived in.
@@ -79,7 +119,7 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
     const QHash<int, qint64> startOrder = startOrderTimes(list2);
     results.timeTrial = results.timeTrial || !list2.isEmpty();
 
-    QList<Row> ranked, noStart, unidentified, repeated;
+    QList<Row> ranked, beforeStart, noStart, unidentified, repeated;
     QSet<int> counted;
     for (qsizetype i = 0; i < list1.size(); ++i) {
         Row row;
@@ -105,9 +145,14 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
                 row.startMs = entrants[row.entrant].salidaMs;
             else if (startOrder.contains(row.bib))
                 row.startMs = startOrder.value(row.bib);
-            if (!row.startMs || (row.finishMs && *row.finishMs < *row.startMs)) {
+            if (!row.startMs) {
                 row.status = Status::NoStart;
                 noStart << row;
+                continue;
+            }
+            if (row.finishMs && *row.finishMs < *row.startMs) {
+                row.status = Status::BeforeStart;
+                beforeStart << row;
                 continue;
             }
             if (row.finishMs)
@@ -119,25 +164,35 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
     }
 
     std::stable_sort(ranked.begin(), ranked.end(), ranksBefore);
+    // What a gap is measured on: the screen's difference where the lines carry it, else the
+    // time that ranks.
+    const QList<qint64> screen = results.timeTrial ? QList<qint64>() : screenDifferences(list1);
+    const auto gapBase = [&screen](const Row& row) -> std::optional<qint64> {
+        if (!row.timeMs || screen.isEmpty())
+            return row.timeMs;
+        return screen[row.arrival - 1];
+    };
+    const std::optional<qint64> leader = ranked.isEmpty() ? std::nullopt : gapBase(ranked.first());
     QList<int> categoryCount(results.categories.size());
-    QList<std::optional<qint64>> categoryBest(results.categories.size());
+    QList<std::optional<qint64>> categoryLeader(results.categories.size());
     for (qsizetype i = 0; i < ranked.size(); ++i) {
         Row& row = ranked[i];
         row.position = static_cast<int>(i + 1);
-        if (row.timeMs && ranked.first().timeMs)
-            row.gapMs = *row.timeMs - *ranked.first().timeMs;
+        const std::optional<qint64> base = gapBase(row);
+        if (base && leader)
+            row.gapMs = *base - *leader;
         if (row.entrant < 0)
             continue;
         const int c = categoryIndex.value(entrants[row.entrant].categoria, -1);
         if (c < 0)
             continue;
         row.categoryPosition = ++categoryCount[c];
-        if (!categoryBest[c])
-            categoryBest[c] = row.timeMs;
-        if (row.timeMs && categoryBest[c])
-            row.categoryGapMs = *row.timeMs - *categoryBest[c];
+        if (row.categoryPosition == 1)
+            categoryLeader[c] = base;
+        if (base && categoryLeader[c])
+            row.categoryGapMs = *base - *categoryLeader[c];
     }
-    results.rows = ranked + noStart + unidentified + repeated;
+    results.rows = ranked + beforeStart + noStart + unidentified + repeated;
     return results;
 }
 

@@ -2,7 +2,15 @@
 // time trial (an entrant with a start time, or a start order loaded) runners are ranked by
 // riding time, the finish time less their start; otherwise by finish time. A bib recorded
 // twice counts at its first finish. Finishes that cannot be ranked are kept apart: a runner
-// of a time trial without a start time, a bib that is 0 or not among the entrants, a repeat.
+// of a time trial who finished before his start or has no start time, a bib that is 0 or not
+// among the entrants, a repeat.
+//
+// The gaps follow the screen. Where no start is involved, the lines carry the difference a Lap
+// wrote, the clock's to the thousandth cut to the format: a gap to the first line is that
+// difference, and a gap to another leader is the runner's difference less the leader's. Lines
+// whose differences do not fit their times (the bibs-and-times mode writes a difference that
+// does not run) give their gaps from the times. In a time trial a gap is the riding time less
+// the leader's. Either is cut, never rounded, when written.
 #pragma once
 
 #include "results/core/entrants.h"
@@ -16,7 +24,7 @@
 namespace classification
 {
 
-enum class Status { Ranked, NoStart, Unidentified, Repeated };
+enum class Status { Ranked, BeforeStart, NoStart, Unidentified, Repeated };
 
 struct Row {
     int arrival = 0; // the finish's line in the results list, from 1
@@ -35,8 +43,9 @@ struct Row {
 struct Results {
     bool timeTrial = false;
     bool withEntrants = false;
-    // Every finish once: the ranked in order, then the runners without a start time, the
-    // unidentified and the repeats, each in the order they finished.
+    // Every finish once: the ranked in order, then the finishes before the runner's start, the
+    // runners without a start time, the unidentified and the repeats, each in the order they
+    // finished.
     QList<Row> rows;
     // The categories of the entrants, in the order they first appear in the file.
     QStringList categories;

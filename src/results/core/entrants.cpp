@@ -62,6 +62,13 @@ QString Entrant::fullName() const
 
 QString decode(QByteArrayView bytes)
 {
+    // A spreadsheet's "Unicode text": UTF-16 after its byte order mark.
+    const bool littleEndian = bytes.startsWith("\xFF\xFE");
+    if (littleEndian || bytes.startsWith("\xFE\xFF")) {
+        QStringDecoder utf16(littleEndian ? QStringDecoder::Utf16LE : QStringDecoder::Utf16BE,
+                             QStringDecoder::Flag::Stateless);
+        return utf16.decode(bytes.sliced(2));
+    }
     if (bytes.startsWith("\xEF\xBB\xBF"))
         bytes = bytes.sliced(3);
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -102,6 +109,8 @@ QList<Record> parse(QStringView text, QChar separator)
     bool anything = false;  // the record holds a character that is not a blank
     int line = 1;
     record.line = 1;
+    qsizetype openedAt = 0; // where the quote of the quoted field is
+    int openedLine = 0;     // and the line it is on
 
     const auto endField = [&] {
         record.fields << (wasQuoted ? field : field.trimmed());
@@ -115,8 +124,38 @@ QList<Record> parse(QStringView text, QChar separator)
         record = Record();
         anything = false;
     };
+    const auto lineBreak = [&](qsizetype i) { return text[i] == u'\n' || text[i] == u'\r'; };
 
-    for (qsizetype i = 0; i < text.size(); ++i) {
+    for (qsizetype i = 0; i <= text.size(); ++i) {
+        if (quoted) {
+            // A quote that is never closed, or whose field runs over lines only to meet a quote
+            // that no separator follows, was left open: it closes at the end of its own line,
+            // and the reading goes on from there, that line named to the operator.
+            const bool atEnd = i == text.size();
+            bool badClose = false;
+            if (!atEnd && line > openedLine && text[i] == u'"' &&
+                (i + 1 == text.size() || text[i + 1] != u'"')) {
+                qsizetype next = i + 1;
+                while (next < text.size() && text[next] != separator &&
+                       (text[next] == u' ' || text[next] == u'\t'))
+                    ++next;
+                badClose = next < text.size() && text[next] != separator && !lineBreak(next);
+            }
+            if (atEnd || badClose) {
+                qsizetype end = openedAt + 1;
+                while (end < text.size() && !lineBreak(end))
+                    ++end;
+                field = text.sliced(openedAt + 1, end - openedAt - 1).toString();
+                field.replace(QStringLiteral("\"\""), QStringLiteral("\""));
+                line = openedLine;
+                record.openQuote = true;
+                quoted = false;
+                i = end - 1;
+                continue;
+            }
+        }
+        if (i == text.size())
+            break;
         const QChar c = text[i];
         if (quoted) {
             if (c == u'"') {
@@ -136,6 +175,8 @@ QList<Record> parse(QStringView text, QChar separator)
             wasQuoted = true;
             anything = true;
             field.clear();
+            openedAt = i;
+            openedLine = line;
         } else if (c == separator) {
             endField();
         } else if (c == u'\r' || c == u'\n') {
@@ -230,6 +271,9 @@ Loaded read(QByteArrayView bytes)
     }
 
     QSet<int> seen;
+    for (const Record& record : records)
+        if (record.openQuote)
+            loaded.openQuoteLines << record.line;
     for (qsizetype r = 1; r < records.size(); ++r) {
         const Record& record = records[r];
         const auto field = [&record, &at](Column column) {
@@ -271,6 +315,17 @@ QString skippedMessage(const Loaded& loaded)
         parts << QStringLiteral("Se han cargado sin hora de salida las filas cuya salida no es "
                                 "una hora h:mm:ss (líneas %1).")
                      .arg(lineList(loaded.badStartLines));
+    if (!loaded.openQuoteLines.isEmpty())
+        parts << QStringLiteral("Unas comillas se abren y no se cierran (%1 %2): %3 hasta el "
+                                "final de su línea. %4 en la hoja de cálculo.")
+                     .arg(loaded.openQuoteLines.size() == 1 ? QStringLiteral("línea")
+                                                            : QStringLiteral("líneas"),
+                          lineList(loaded.openQuoteLines),
+                          loaded.openQuoteLines.size() == 1
+                              ? QStringLiteral("esa fila se ha leído")
+                              : QStringLiteral("esas filas se han leído"),
+                          loaded.openQuoteLines.size() == 1 ? QStringLiteral("Revísela")
+                                                            : QStringLiteral("Revíselas"));
     return parts.join(u'\n');
 }
 

@@ -1,8 +1,8 @@
 // The entrants of a race, loaded from a spreadsheet saved as CSV: a header row, then one row a
 // runner. The separator (";", "," or a tab) and the encoding (UTF-8, with or without its mark,
-// or Windows-1252) are taken from the file itself. Columns are found by their header, case and
-// accents aside: dorsal (required), nombre, apellidos, club, categoria, sexo and salida, the
-// start time of a time trial on the race clock (h:mm:ss). Other columns are ignored.
+// UTF-16 with its mark, or Windows-1252) are taken from the file itself. Columns are found by their
+// header, case and accents aside: dorsal (required), nombre, apellidos, club, categoria, sexo and
+// salida, the start time of a time trial on the race clock (h:mm:ss). Other columns are ignored.
 #pragma once
 
 #include <QByteArrayView>
@@ -36,13 +36,15 @@ struct Entrant {
 };
 
 struct Loaded {
-    QList<Entrant> entrants;  // in file order
-    QList<int> skippedLines;  // rows without a usable bib, by the file line they start on
-    QList<int> badStartLines; // rows loaded without their unreadable start time
-    QString refusal;          // why nothing was loaded; empty when the file was taken
+    QList<Entrant> entrants;   // in file order
+    QList<int> skippedLines;   // rows without a usable bib, by the file line they start on
+    QList<int> badStartLines;  // rows loaded without their unreadable start time
+    QList<int> openQuoteLines; // rows whose quote is never closed, read to the end of the line
+    QString refusal;           // why nothing was loaded; empty when the file was taken
 };
 
-// The text of the file: UTF-8 when it is valid UTF-8 (its mark dropped), else Windows-1252.
+// The text of the file: UTF-16 after its mark (either byte order), UTF-8 when it is valid
+// UTF-8 (its mark dropped), else Windows-1252.
 QString decode(QByteArrayView bytes);
 
 // The separator of the file: the one of ";", tab and "," found most often in the header line.
@@ -50,10 +52,12 @@ QChar detectSeparator(QStringView text);
 
 // The records of a CSV text: quoted fields may hold separators, doubled quotes and line breaks;
 // unquoted fields are trimmed; blank lines are passed over. Each record comes with the line
-// (1-based) it starts on.
+// (1-based) it starts on. A quote left open (never closed, or "closed" lines later by a quote
+// that no separator or line end follows) closes at the end of its own line.
 struct Record {
     int line = 0;
     QStringList fields;
+    bool openQuote = false; // a quote of the record was left open
 };
 QList<Record> parse(QStringView text, QChar separator);
 
@@ -61,8 +65,8 @@ QList<Record> parse(QStringView text, QChar separator);
 // "dorsal" column. Rows with a missing, non-numeric, out-of-range or repeated bib are skipped.
 Loaded read(QByteArrayView bytes);
 
-// What the operator is told about the skipped rows: their lines, the first 20, then how many
-// more. Empty when none was skipped.
+// What the operator is told about the skipped rows, the unreadable start times and the quotes
+// left open: their lines, the first 20, then how many more. Empty when there is none.
 QString skippedMessage(const Loaded& loaded);
 
 // A time of the race clock, h:mm:ss with an optional fraction after "." or ",", or mm:ss.

@@ -101,7 +101,7 @@ void BibChecks::reset(const QStringList& list1, const std::optional<QSet<int>>& 
     linesOfBib.clear();
     bibs.clear();
     problems.clear();
-    std::fill(std::begin(counts), std::end(counts), 0);
+    noBibLines = notEnteredLines = repeatedBibs = 0;
     bibs.reserve(list1.size());
     for (const QString& line : list1) {
         bibs << resultline::bibOf(line);
@@ -110,6 +110,8 @@ void BibChecks::reset(const QStringList& list1, const std::optional<QSet<int>>& 
     problems.fill(NoProblem, bibs.size());
     for (int i = 0; i < bibs.size(); ++i)
         set(i, judge(bibs[i]));
+    for (auto it = linesOfBib.cbegin(); it != linesOfBib.cend(); ++it)
+        repeatedBibs += it.key() != 0 && it.value().size() > 1;
 }
 
 QList<int> BibChecks::append(const QString& list1Line)
@@ -123,6 +125,7 @@ QList<int> BibChecks::append(const QString& list1Line)
     set(index, judge(bib));
     if (same.size() == 2 && bib != 0) {
         // The first line with this bib is now repeated too.
+        ++repeatedBibs;
         set(same.first(), judge(bib));
         return {same.first(), index};
     }
@@ -139,8 +142,12 @@ QList<int> BibChecks::rewrite(int index, const QString& list1Line)
         return {};
     QList<int>& before = linesOfBib[old];
     before.removeOne(index);
+    if (old != 0 && before.size() == 1)
+        --repeatedBibs;
     QList<int>& after = linesOfBib[bib];
     after.insert(std::lower_bound(after.begin(), after.end(), index), index);
+    if (bib != 0 && after.size() == 2)
+        ++repeatedBibs;
     bibs[index] = bib;
     // The lines that shared either bib may have stopped or started being repeated.
     QList<int> changed = linesOfBib.value(old) + linesOfBib.value(bib);
@@ -166,8 +173,8 @@ int BibChecks::judge(double bib) const
 void BibChecks::set(int index, int problem)
 {
     const int old = problems[index];
-    for (int bit = 0; bit < 3; ++bit)
-        counts[bit] += ((problem >> bit) & 1) - ((old >> bit) & 1);
+    noBibLines += ((problem & NoBib) != 0) - ((old & NoBib) != 0);
+    notEnteredLines += ((problem & NotEntered) != 0) - ((old & NotEntered) != 0);
     problems[index] = problem;
 }
 

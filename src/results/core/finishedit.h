@@ -55,9 +55,11 @@ public:
     // Line `index` rewritten (a bib corrected or assigned): the lines whose problems changed.
     QList<int> rewrite(int index, const QString& list1Line);
     int problem(int index) const { return problems.value(index); }
-    int noBib() const { return counts[0]; }
-    int repeated() const { return counts[1]; }
-    int notEntered() const { return counts[2]; }
+    // The lines without a bib and the lines whose bib is not entered.
+    int noBib() const { return noBibLines; }
+    int notEntered() const { return notEnteredLines; }
+    // The bibs on more than one line: a bib on three lines is one.
+    int repeated() const { return repeatedBibs; }
 
 private:
     void set(int index, int problem);
@@ -66,7 +68,9 @@ private:
     QHash<double, QList<int>> linesOfBib;
     QList<double> bibs;
     QList<int> problems;
-    int counts[3] = {};
+    int noBibLines = 0;
+    int notEnteredLines = 0;
+    int repeatedBibs = 0;
 };
 
 } // namespace finishedit

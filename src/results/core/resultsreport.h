@@ -22,28 +22,46 @@ inline constexpr char csvFile[] = "C:\\Carreras\\copias\\resultados.csv";
 // (names, clubs) share what the others leave of the width.
 enum class Column { Number, Text, WideText };
 
+// Where a column goes on a phone: on the row's first line (place, bib, name, time), or on a
+// smaller second line below it, alone or after its header ("Salida 0:30:00").
+enum class Place { Main, Detail, NamedDetail };
+
 struct Table {
     QString title;
+    QString label; // in the web page's index; empty for a table the index leaves out
     QStringList header;
     QList<QStringList> rows;
     QList<Column> columns;
+    QList<Place> places;
+};
+
+// A count for the first page: the classified, and each kind of finish kept apart, with the
+// table it counts.
+struct Summary {
+    QString text;
+    int table = 0;
 };
 
 struct Report {
     QString raceName;
     QDate date;
     QList<Table> tables;
+    QList<Summary> summary;
 };
 
-// A time in milliseconds with `fractionDigits` (0, 2 or 3) digits after the comma.
+// A time in milliseconds with `fractionDigits` (0, 2 or 3) digits after the comma, cut (never
+// rounded) to them.
 QString clockText(qint64 ms, int fractionDigits);
 
 // The general classification, one per category when the entrants have categories, then the
-// finishes that are not ranked, each kind in a table of its own.
+// finishes that are not ranked, each kind in a table of its own: those before the runner's
+// start first, then those without a start, the unidentified and the repeats.
 Report report(const classification::Results& results, const QList<entrants::Entrant>& entrants,
               int fractionDigits, const QString& raceName, const QDate& date);
 
-// One self-contained HTML5 page, UTF-8; the tables scroll sideways on a narrow screen.
+// One self-contained HTML5 page, UTF-8, made for a phone first: an index of the
+// classifications at the top, and on a narrow screen each row on two lines, place, bib, name
+// and time on the first. On a wide screen and on paper, plain tables.
 QByteArray html(const Report& report);
 
 // UTF-8 with its mark, ";" between fields, CR LF after every row: a header, then one row a

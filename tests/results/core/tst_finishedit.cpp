@@ -82,6 +82,50 @@ private slots:
         }
         QVERIFY(kept.repeated() > 0 && kept.noBib() > 0 && kept.notEntered() > 0);
     }
+
+    void repeatedCountsBibs_data()
+    {
+        QTest::addColumn<QList<int>>("bibs");
+        QTest::addColumn<int>("repeated");
+        QTest::addColumn<int>("noBib");
+        QTest::newRow("one bib on two lines") << QList<int>{7, 3, 7} << 1 << 0;
+        QTest::newRow("one bib on three lines, another on two")
+            << QList<int>{5, 5, 9, 5, 9, 1} << 2 << 0;
+        QTest::newRow("lines without a bib are not repeats") << QList<int>{0, 0, 4} << 0 << 2;
+        QTest::newRow("no repeat") << QList<int>{1, 2, 3} << 0 << 0;
+    }
+
+    void repeatedCountsBibs()
+    {
+        // "repetidos" under the list counts the bibs that are repeated, not their lines; kept up
+        // to date line by line it says the same as the whole list checked afresh.
+        QFETCH(QList<int>, bibs);
+        QFETCH(int, repeated);
+        QFETCH(int, noBib);
+        QStringList list1;
+        finishedit::BibChecks kept;
+        kept.reset({}, std::nullopt);
+        for (const int bib : bibs) {
+            list1 << QStringLiteral("%1-%2- 00:00:01").arg(list1.size() + 1, 4).arg(bib, 4);
+            kept.append(list1.last());
+        }
+        finishedit::BibChecks fresh;
+        fresh.reset(list1, std::nullopt);
+        QCOMPARE(fresh.repeated(), repeated);
+        QCOMPARE(kept.repeated(), repeated);
+        QCOMPARE(fresh.noBib(), noBib);
+        // Every later line of a bib corrected to a bib of its own: no repeat is left.
+        QSet<int> seen;
+        for (int i = 0; i < list1.size(); ++i) {
+            if (bibs[i] == 0 || !seen.contains(bibs[i])) {
+                seen.insert(bibs[i]);
+                continue;
+            }
+            list1[i] = QStringLiteral("%1-%2- 00:00:01").arg(i + 1, 4).arg(1000 + i, 4);
+            kept.rewrite(i, list1[i]);
+        }
+        QCOMPARE(kept.repeated(), 0);
+    }
 };
 
 QTEST_APPLESS_MAIN(FinishEditCoreTest)
