@@ -206,6 +206,11 @@ void ArmedStart::followStartOrder(double runningHours)
     order->scrollToItem(order->item(next));
 }
 
+bool ArmedStart::following() const
+{
+    return c.followOrder->isChecked();
+}
+
 void ArmedStart::countdown(std::optional<double> remaining)
 {
     if (!c.beepsOn->isChecked())

@@ -60,6 +60,7 @@ public:
     // selected one has passed (by a second, so its last beep sounds), the race clock reading
     // `runningHours`. The bib field is not touched: only a click on a start puts its bib there.
     void followStartOrder(double runningHours);
+    bool following() const;
 
 signals:
     // The clock is to start from `startTimer` (seconds since midnight), the moment of `at`.

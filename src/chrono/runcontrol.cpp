@@ -123,7 +123,9 @@ void FormMarvolendo::tempsMarvo(double tempsInicial, QString& temps)
             const double start = timevalue::decimalMil(u'0' + resultline::startTimeText(line));
             toStart = (start - running) * timevalue::secondsPerHour;
             const QString remaining = timevalue::tempsexaMil(start - running);
-            if (basic::val(Text1->text()) > 0) {
+            // The box counts while a bib waits in the field; following the start order, the
+            // field stays empty and the box counts all the same.
+            if (basic::val(Text1->text()) > 0 || armedStart->following()) {
                 if (basic::val(basic::mid(remaining, 5, 1)) == 0) {
                     look::setColours(Label18, look::lightYellow, look::darkRed);
                     Label18->setText(basic::digits(basic::val(basic::mid(remaining, 7, 2)) + 1));

@@ -291,7 +291,10 @@ private slots:
         QListWidget* order = f.list("List2");
         order->setCurrentRow(0);
         f.click("Command1(0)");
-        f.tick(630.5);
+        f.tick(627.5);
+        // The box counts down the last seconds, with the bib field empty, when following.
+        QCOMPARE(f.label("Label18")->text(), follow ? QStringLiteral("3") : QStringLiteral(""));
+        f.tick(3);
         QCOMPARE(order->currentRow(), 0); // its last beep still to sound
         f.tick(1);
         QCOMPARE(order->currentRow(), follow ? 1 : 0);
