@@ -37,13 +37,10 @@ std::optional<JournalKeeper::Unfinished> JournalKeeper::unfinished() const
         return a.lastModified() > b.lastModified();
     });
     // A journal whose first entries are damaged goes on from the race of the state file.
-    const QFileInfo primaryState(folder + QLatin1String(statefile::fileName));
-    const QFileInfo fallback(fallbackState);
-    const bool fallbackNewer =
-        fallback.isFile() &&
-        (!primaryState.isFile() || fallback.lastModified() > primaryState.lastModified());
     RaceRecord base;
-    base.state = statefile::read(fallbackNewer ? fallbackState : primaryState.filePath()).state;
+    base.state = statefile::read(
+                     statefile::newerOf(folder + QLatin1String(statefile::fileName), fallbackState))
+                     .state;
     base.label1 = QStringLiteral("00:00:00");
     base.label2 = QString::number(base.state.list1.size());
     base.label4 = base.state.tempsPrimer;

@@ -48,14 +48,10 @@ statefile::Restored RaceSession::readSaved()
     if (recoveredRace)
         return statefile::Restored{recoveredRace->state, 8, true};
     const QString primary = carpeta + QLatin1String(statefile::fileName);
-    const QFileInfo primaryInfo(primary);
-    const QFileInfo fallbackInfo(fallbackState());
-    const bool fallbackNewer =
-        fallbackInfo.isFile() && fallbackInfo != primaryInfo &&
-        (!primaryInfo.isFile() || fallbackInfo.lastModified() > primaryInfo.lastModified());
+    const QString newerPath = statefile::newerOf(primary, fallbackState());
+    const bool fallbackNewer = newerPath != primary;
     if (fallbackNewer)
         stateFileInUse = fallbackState();
-    const QString newerPath = fallbackNewer ? fallbackState() : primary;
     const statefile::Restored newer = statefile::read(newerPath);
     if (newer.damaged) {
         // What could be read of it is the race; the file itself is kept as it is before the
@@ -72,14 +68,13 @@ statefile::Restored RaceSession::readSaved()
                                        "fichero tal como estaba se guarda en %2.")
                             .arg(newerPath, archiveFolder()));
     }
+    const QFileInfo primaryInfo(primary);
+    const QFileInfo fallbackInfo(fallbackState());
     if (!fallbackInfo.isFile() || fallbackInfo == primaryInfo)
         return newer;
     const statefile::Restored older = statefile::read(fallbackNewer ? primary : fallbackState());
-    if (older.headerLines > 0 && older.state != newer.state) {
-        const QList<archive::Kept> kept = archive::list(archiveFolder());
-        if (kept.isEmpty() || kept.first().race != older.state)
-            keep(older.state);
-    }
+    if (older.headerLines > 0 && older.state != newer.state)
+        keepOnce(older.state);
     return newer;
 }
 
@@ -120,10 +115,8 @@ void RaceSession::recover(const JournalKeeper::Unfinished& found)
     // The race of the state file, about to be replaced, is kept first.
     const statefile::Restored replaced =
         statefile::read(carpeta + QLatin1String(statefile::fileName));
-    // Not twice: a race recovered again and again would pile up copies of itself.
-    const QList<archive::Kept> kept = archive::list(archiveFolder());
-    if (replaced.headerLines > 0 && (kept.isEmpty() || kept.first().race != replaced.state))
-        keep(replaced.state);
+    if (replaced.headerLines > 0)
+        keepOnce(replaced.state);
     // The recovered race is saved first, where a save goes; the start-up takes it from here.
     const statefile::SaveResult result =
         statefile::save(rec.state, carpeta + QLatin1String(statefile::fileName), fallbackState());
@@ -162,6 +155,14 @@ void RaceSession::end()
 {
     save();
     keeper.markClean();
+}
+
+void RaceSession::keepOnce(const RaceState& race)
+{
+    // Not twice: a race recovered again and again would pile up copies of itself.
+    const QList<archive::Kept> kept = archive::list(archiveFolder());
+    if (kept.isEmpty() || kept.first().race != race)
+        keep(race);
 }
 
 QString RaceSession::archiveFolder() const

@@ -137,6 +137,8 @@ signals:
 private:
     void follow(const RaceChange& change);
     bool save(const RaceState& state);
+    // Keeps the race unless it is the newest kept one already.
+    void keepOnce(const RaceState& race);
 
     const Clock& clock;
     QString carpeta;

@@ -1,5 +1,7 @@
 #include "statefile.h"
 
+#include <QFileInfo>
+
 #include "base/basic.h"
 #include "base/cp1252.h"
 #include "base/savefile.h"
@@ -262,6 +264,15 @@ SaveResult save(const RaceState& state, const QString& primary, const QString& f
     result.fallbackError = savefile::write(fallback, bytes);
     result.outcome = result.fallbackError.isEmpty() ? SaveOutcome::Fallback : SaveOutcome::Failed;
     return result;
+}
+
+QString newerOf(const QString& primary, const QString& fallback)
+{
+    const QFileInfo p(primary);
+    const QFileInfo f(fallback);
+    const bool fallbackNewer =
+        f.isFile() && f != p && (!p.isFile() || f.lastModified() > p.lastModified());
+    return fallbackNewer ? fallback : primary;
 }
 
 } // namespace statefile

@@ -44,6 +44,10 @@ struct Restored {
 Restored decode(QByteArrayView bytes);
 Restored read(const QString& path);
 
+// Of the state file beside the race and the fallback one, the newer: the path of the fallback
+// when it exists and was written later (or is the only one), otherwise the primary's.
+QString newerOf(const QString& primary, const QString& fallback);
+
 // The number form of the file, without its line end: " 43200500000 ".
 QString numberLine(double value);
 
