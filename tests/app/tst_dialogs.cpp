@@ -9,6 +9,26 @@
 #include <QScreen>
 #include <QTimer>
 
+namespace
+{
+
+// The next modal box to open is looked at, then closed.
+void whenABoxOpens(const std::function<void(QWidget*)>& look)
+{
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, [timer, look] {
+        QWidget* open = QApplication::activeModalWidget();
+        if (!open)
+            return;
+        look(open);
+        timer->deleteLater();
+        QMetaObject::invokeMethod(open, "reject", Qt::QueuedConnection);
+    });
+    timer->start(10);
+}
+
+} // namespace
+
 class DialogsTest : public QObject
 {
     Q_OBJECT
@@ -31,19 +51,10 @@ private slots:
         QFETCH(QStringList, buttons);
         QtDialogs dialogs;
         QStringList seen;
-        QTimer::singleShot(0, [&seen] {
-            auto* timer = new QTimer;
-            QObject::connect(timer, &QTimer::timeout, [timer, &seen] {
-                QWidget* open = QApplication::activeModalWidget();
-                if (!open)
-                    return;
-                for (const QAbstractButton* b : open->findChildren<QAbstractButton*>())
-                    if (b->isVisibleTo(open) && !b->text().isEmpty())
-                        seen << QString(b->text()).remove(u'&');
-                timer->deleteLater();
-                QMetaObject::invokeMethod(open, "reject", Qt::QueuedConnection);
-            });
-            timer->start(10);
+        whenABoxOpens([&seen](QWidget* open) {
+            for (const QAbstractButton* b : open->findChildren<QAbstractButton*>())
+                if (b->isVisibleTo(open) && !b->text().isEmpty())
+                    seen << QString(b->text()).remove(u'&');
         });
         if (box == "confirm")
             dialogs.confirm(nullptr, "Borrado de tiempos", "¿Seguro?");
@@ -65,18 +76,9 @@ private slots:
         QtDialogs dialogs;
         QRect box;
         QRect screen;
-        QTimer::singleShot(0, [&] {
-            auto* timer = new QTimer;
-            QObject::connect(timer, &QTimer::timeout, [&, timer] {
-                QWidget* open = QApplication::activeModalWidget();
-                if (!open)
-                    return;
-                box = open->frameGeometry();
-                screen = open->screen()->availableGeometry();
-                timer->deleteLater();
-                QMetaObject::invokeMethod(open, "reject", Qt::QueuedConnection);
-            });
-            timer->start(10);
+        whenABoxOpens([&](QWidget* open) {
+            box = open->frameGeometry();
+            screen = open->screen()->availableGeometry();
         });
         dialogs.inform(nullptr, QStringLiteral("Inscritos"), lines.join(u'\n'));
         QVERIFY(box.isValid());

@@ -184,37 +184,6 @@ private slots:
         QCOMPARE(journal::read(f.path("MARVO.jrn")).record.state.list1.size(), 2);
     }
 
-    void journalGoesOnInTheFallback()
-    {
-        // The race folder's disk fills during the race: the journal goes on, whole, in the
-        // fallback folder, and after a kill the recovery finds every finish there.
-        FormFixture f;
-        f.open();
-        f.click("Command1(0)");
-        for (int i = 0; i < 12; ++i) {
-            f.tick(1);
-            f.pressF(1);
-        }
-        {
-            const FileSizeLimit full(QFileInfo(f.path("MARVO.jrn")).size());
-            // A fresh journal of the race is shorter than the refused one with its entries.
-            for (int i = 0; i < 2; ++i) {
-                f.tick(1);
-                f.pressF(1);
-            }
-        }
-        QVERIFY(f.label("aviso")->text().contains(QStringLiteral("sigue en")));
-        QVERIFY(f.label("avisoDiario")->isHidden());
-        const QStringList marked = f.lines("List1");
-        QCOMPARE(marked.size(), 14);
-        f.close(); // killed: no clean mark
-        QCOMPARE(journal::read(f.path("D/MARVO.jrn")).record.state.list1, marked);
-        f.dialogs.answers = {Dialogs::Yes};
-        f.open();
-        QCOMPARE(f.dialogs.shown.value(0).title, QStringLiteral("Recuperar la carrera"));
-        QCOMPARE(f.lines("List1"), marked);
-    }
-
     void anUnreadableJournalIsKeptAside()
     {
         // Nothing of it can be read: no question, and it is kept aside, not written over.

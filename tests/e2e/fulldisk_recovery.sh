@@ -9,11 +9,7 @@
 APP=$1
 [ "$(id -u)" = 0 ] || { echo "SKIP: mounting a tmpfs needs root"; exit 77; }
 source "$(dirname "$0")/xsession.sh"
-disk="$WORK/disk"
-mkdir -p "$disk"
-mount -t tmpfs -o size=512k tmpfs "$disk" 2>/dev/null || { echo "SKIP: mounting a small tmpfs is not allowed here"; exit 77; }
-trap 'umount -l "$disk" 2>/dev/null; cleanup' EXIT
-WORK=$disk # the program runs in the mounted folder
+small_disk
 
 press() {
     xdotool key --delay 30 $(printf 'F1 %.0s' $(seq "$1"))

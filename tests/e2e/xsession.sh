@@ -128,3 +128,14 @@ recover() {
     done
     RECOVERED=$(list1_of "$WORK/MARVO.dat" | wc -l)
 }
+
+# The race's folder made a small tmpfs of 512 KiB, to fill at will (skips with 77 where
+# mounting is not allowed): sets disk and WORK to it, unmounted at the end.
+small_disk() {
+    disk="$WORK/disk"
+    mkdir -p "$disk"
+    mount -t tmpfs -o size=512k tmpfs "$disk" 2>/dev/null ||
+        { echo "SKIP: mounting a small tmpfs is not allowed here"; exit 77; }
+    trap 'umount -l "$disk" 2>/dev/null; cleanup' EXIT
+    WORK=$disk # the program runs in the mounted folder
+}

@@ -4,11 +4,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <unistd.h>
 
 namespace
 {
@@ -257,33 +254,6 @@ private slots:
         Journal j;
         QVERIFY(!j.start(path.startsWith(u'/') ? path : dir.filePath(path), startRecord()));
         QVERIFY2(j.error().endsWith(reason), qPrintable(j.error()));
-    }
-
-    void fullDiskSaysSo()
-    {
-        // The disk fills in the middle of an entry: the system takes part of it and tells Qt
-        // nothing, and the reason comes from the system's error number.
-        if (::geteuid() != 0)
-            QSKIP("a full disk needs a tmpfs mount, which needs root");
-        QTemporaryDir dir;
-        const QString disk = dir.filePath(QStringLiteral("disk"));
-        QDir().mkpath(disk);
-        if (QProcess::execute(QStringLiteral("mount"),
-                              {QStringLiteral("-t"), QStringLiteral("tmpfs"), QStringLiteral("-o"),
-                               QStringLiteral("size=64k"), QStringLiteral("tmpfs"), disk}) != 0)
-            QSKIP("mounting a small tmpfs is not allowed here");
-        const auto unmount = qScopeGuard([&] {
-            QProcess::execute(QStringLiteral("umount"), {QStringLiteral("-l"), disk});
-        });
-        Journal j;
-        QVERIFY(j.start(disk + QStringLiteral("/MARVO.jrn"), startRecord()));
-        RaceChange big = finish(1);
-        big.list1Line = QString(1000, u'x'); // 64 KiB is not a whole number of these entries
-        int appended = 0;
-        while (appended < 1000 && j.append(journal::encodeChange(big)))
-            ++appended;
-        QVERIFY(appended < 1000);
-        QCOMPARE(j.error(), QStringLiteral("no queda espacio en el disco"));
     }
 };
 

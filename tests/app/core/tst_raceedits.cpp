@@ -129,18 +129,6 @@ private slots:
                  QStringList({"0", "00:00:00:00", "0:00:00:00", "0:00:00:00", "00:00:00:00"}));
         QVERIFY(!raceedits::removal(r, 0, {1, true}));
     }
-
-    void bibs()
-    {
-        const RaceRecord r = twoFinishes();
-        const std::optional<RaceCommand> assigned = raceedits::bibAssignment(r, 1, "12345");
-        QVERIFY(assigned && !assigned->saves);
-        QCOMPARE(assigned->redo.value(0).list1Line,
-                 QStringLiteral("   2-2345- 00:14:02:500 - 0:01:32:375"));
-        QCOMPARE(assigned->undo.value(0).list1Line, r.state.list1[1]);
-        QVERIFY(!raceedits::bibAssignment(r, 2, "5"));
-        QVERIFY(!raceedits::bibCorrection(r, -1, "x"));
-    }
 };
 
 QTEST_APPLESS_MAIN(RaceEditsTest)

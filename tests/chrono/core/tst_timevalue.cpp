@@ -65,12 +65,9 @@ private slots:
         QTest::newRow("a hair below zero") << -5.2e-17 << "00:00:00:000";
         QTest::newRow("the smallest number below zero") << below << "00:00:00:000";
         QTest::newRow("a hair below an hour") << std::nextafter(1.0, 0.0) << "01:00:00:000";
-        QTest::newRow("a hair below ten hours") << std::nextafter(10.0, 0.0) << "10:00:00:000";
-        QTest::newRow("a hair below a minute") << std::nextafter(1.0 / 60, 0.0) << "00:01:00:000";
         QTest::newRow("a hair below a second") << std::nextafter(1.0 / 3600, 0.0) << "00:00:01:000";
         QTest::newRow("a hair below minus one minute")
             << std::nextafter(-1.0 / 60, -1.0) << "-1:59:00:000";
-        QTest::newRow("a hair below minus an hour") << std::nextafter(-1.0, -2.0) << "-1:00:00:000";
     }
 
     void hairFromAWholeThousandth()

@@ -210,10 +210,6 @@ private slots:
                            "   3-   2- 00:10:04 - 0:00:04"}
             << QList<entrants::Entrant>{}
             << "R9 p1 t602000 g0 c0 cg- | R2 p2 t604000 g3000 c0 cg- | U0 p0 t- g- c0 cg-";
-        QTest::newRow("Centesimas: the differences of the lines")
-            << QStringList{"   1-   5- 00:10:00:95 - 0:00:00:00",
-                           "   2-   9- 00:10:01:00 - 0:00:00:04"}
-            << QList<entrants::Entrant>{} << "R5 p1 t600950 g0 c0 cg- | R9 p2 t601000 g40 c0 cg-";
         // The bibs-and-times mode writes the difference as it stands, which does not run: the
         // gaps come from the times.
         QTest::newRow("differences that do not fit the times: from the times")

@@ -92,7 +92,6 @@ private slots:
         QTest::newRow("one bib on three lines, another on two")
             << QList<int>{5, 5, 9, 5, 9, 1} << 2 << 0;
         QTest::newRow("lines without a bib are not repeats") << QList<int>{0, 0, 4} << 0 << 2;
-        QTest::newRow("no repeat") << QList<int>{1, 2, 3} << 0 << 0;
     }
 
     void repeatedCountsBibs()

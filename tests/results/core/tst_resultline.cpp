@@ -101,7 +101,6 @@ private slots:
 
         row("bibs-only", bibsOnly, 57, "  57", none, none, "", bibsOnly);
         row("empty", "", 0, "", none, none, "", "");
-        row("short bib", "   3-  5", 5, "  5", none, none, "", "   3-  5");
         row("time without difference", noDifference, 57, "  57", none, none, "00:12:34",
             noDifference);
         row("empty time", "   3-  57-  - 0:00:05", 57, "  57", "", "0:00:05",
@@ -110,10 +109,6 @@ private slots:
             "0:00:05 - 1", "00:12:34", "   3-  57- 00:12:34 - X");
         row("bib not a number", "   3- abc- 00:00:01 - 0", 0, " abc", "00:00:01", "0", "00:00:01",
             "   3- abc- 00:00:01 - X");
-        row("blank inside the bib", "   3-1 2 - 00:00:01 - 0", 12, "1 2 ", "00:00:01", "0",
-            "00:00:01", "   3-1 2 - 00:00:01 - X");
-        row("negative bib", "   3-  -5- 00:00:01 - 0", -5, "  -5", "00:00:01", "0", "00:00:01",
-            "   3-  -5- 00:00:01 - X");
     }
 
     void list1Readings()
@@ -134,41 +129,6 @@ private slots:
         QCOMPARE(withList1Difference(line, u"X"), withX);
     }
 
-    void combo1Readings_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("time"); // `none`: no time
-        QTest::addColumn<QString>("difference");
-        QTest::addColumn<QString>("timeText"); // 8 characters from character 7
-        QTest::addColumn<QString>("withX");
-
-        QTest::newRow("bibs-only") << "   3-  57" << none << none << " 57"
-                                   << "   3-  57";
-        QTest::newRow("short") << "   3" << none << none << ""
-                               << "   3";
-        QTest::newRow("time without difference") << "   3- 00:12:34" << none << none << "00:12:34"
-                                                 << "   3- 00:12:34";
-        QTest::newRow("empty time") << "   3-  - 0:00:05"
-                                    << ""
-                                    << "0:00:05"
-                                    << " - 0:00:"
-                                    << "   3-  - X";
-    }
-
-    void combo1Readings()
-    {
-        QFETCH(QString, line);
-        QFETCH(QString, time);
-        QFETCH(QString, difference);
-        QFETCH(QString, timeText);
-        QFETCH(QString, withX);
-
-        QCOMPARE(cell(combo1Time(line)), time);
-        QCOMPARE(cell(combo1Difference(line)), difference);
-        QCOMPARE(combo1TimeText(line, 8), timeText);
-        QCOMPARE(withCombo1Difference(line, u"X"), withX);
-    }
-
     // The rank in characters 1-4 as renumbering reads it, and the line renumbered: the new rank
     // right-aligned in 4 (its last 4 when longer), the rest untouched.
     void ranks_data()
@@ -179,18 +139,11 @@ private slots:
         QTest::addColumn<QString>("renumbered");
 
         QTest::newRow("plain") << "   3-  57- x" << 3 << 12 << "  12-  57- x";
-        QTest::newRow("blank after digits") << "3   -  57" << 3 << 4 << "   4-  57";
-        QTest::newRow("blank between digits") << " 1 2-" << 12 << 11 << "  11-";
         QTest::newRow("negative") << "  -1-  57" << -1 << -2 << "  -2-  57";
-        QTest::newRow("plus sign") << "  +7-" << 7 << 8 << "   8-";
         QTest::newRow("fraction cut toward zero") << " 1.9-" << 1 << 2 << "   2-";
-        QTest::newRow("negative fraction") << "-1.9-" << -1 << 0 << "   0-";
-        QTest::newRow("tab") << "\t  4-" << 4 << 5 << "   5-";
-        QTest::newRow("hexadecimal") << "&H1F-" << 31 << 30 << "  30-";
         QTest::newRow("exponent, longer rank keeps its last 4")
             << "21E8-" << 2100000000 << 2100000001 << "0001-";
         QTest::newRow("beyond int") << "1E99-  57" << 0 << 1 << "   1-  57";
-        QTest::newRow("long negative rank") << "   1-" << 1 << -12345 << "2345-";
         QTest::newRow("short line") << "  7" << 7 << 8 << "   8";
         QTest::newRow("empty") << "" << 0 << 5 << "   5";
     }
@@ -221,8 +174,6 @@ private slots:
                                                   << "   1-  -5 - 9:00";
         QTest::newRow("five digits") << qint64(12345) << 32767 << "12:00:00"
                                      << "2345-2767 - 2:00:00";
-        QTest::newRow("blank time") << qint64(1) << 0 << "        "
-                                    << "   1-   0 -        ";
     }
 
     void startLines()
@@ -254,9 +205,6 @@ private slots:
         QTest::newRow("short line") << "   1-" << 0 << "0"
                                     << "   1-"
                                     << "";
-        QTest::newRow("fractional bib") << "   1- 1.5 - 0:00:01" << 1 << "1.5"
-                                        << "0:00:01"
-                                        << "0:00:01";
         QTest::newRow("bib beyond int") << "   1-1E99 - 0:00:01" << 0 << "1E+99"
                                         << "0:00:01"
                                         << "0:00:01";
@@ -294,7 +242,6 @@ private slots:
         const char* line = "   3-   0- 00:12:34 - 0:00:05";
 
         row("57", line, 2, "0", "57", "   3-  57- 00:12:34 - 0:00:05");
-        row("five digits", line, 2, "0", "12345", "   3-2345- 00:12:34 - 0:00:05");
         row("bibs-only", "   3-   0", 2, "0", "57", "   3-  57");
         row("too short", "   3-  ", 2, "0", "57", QString());
         row("rank 0, negative bib", "   0-  -5", -1, "-5", "5", "   0-   5");
