@@ -388,8 +388,8 @@ void FormMarvolendo::buildRaceMenu()
     connect(archiveWindow, &ArchiveWindow::answered, this,
             [this](int answer) { respuesta = answer; });
     connect(archiveWindow, &ArchiveWindow::recovered, this, [this](const RaceState& chosen) {
-        // The window reads the kept race as at start-up.
-        const Race::Batch batch(race);
+        // The window reads the kept race as at start-up; the journal takes the race after.
+        const Race::Replacement replacement(race);
         race.setInicio(0);
         race.setDesfase(chosen.desfase);
         race.setHoraSalida(chosen.horaSalida);
@@ -400,7 +400,6 @@ void FormMarvolendo::buildRaceMenu()
         restored = statefile::Restored{chosen, 8, true};
         recuperar();
         race.apply(raceedits::relabelled(race.record(), session.editContext()));
-        race.replaced();
     });
     carrera->addSeparator();
     QAction* acerca = carrera->addAction(QStringLiteral("Acerca de Marvolendo"));

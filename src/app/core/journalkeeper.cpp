@@ -123,7 +123,8 @@ void JournalKeeper::markClean()
 
 void JournalKeeper::follow(const RaceChange& change)
 {
-    if (!isOpen())
+    // The parts of a replacement are left out: its end is one snapshot.
+    if (!isOpen() || race.replacing())
         return;
     append(change.kind == RaceChange::Kind::Values ? journal::encodeSnapshot(race.snapshot())
                                                    : journal::encodeChange(change));

@@ -198,11 +198,6 @@ template <typename T> void Race::setValue(T& field, const T& value)
     valuesChanged();
 }
 
-void Race::replaced()
-{
-    valuesChanged();
-}
-
 void Race::valuesChanged()
 {
     if (batchDepth > 0) {
@@ -276,6 +271,22 @@ Race::Batch::Batch(Race& r) : race(r)
 Race::Batch::~Batch()
 {
     if (--race.batchDepth == 0 && race.valuesPending)
+        race.valuesChanged();
+}
+
+Race::Replacement::Replacement(Race& r) : race(r)
+{
+    ++race.replacingDepth;
+    ++race.batchDepth;
+}
+
+Race::Replacement::~Replacement()
+{
+    --race.batchDepth;
+    --race.replacingDepth;
+    // Announced even when no value differs: the lines changed whole.
+    race.valuesPending = true;
+    if (race.batchDepth == 0)
         race.valuesChanged();
 }
 

@@ -107,10 +107,6 @@ public:
     void setLast(const QString& label5);
     void setLastDifference(const QString& label8);
 
-    // The race replaced whole (a kept race made the current one): announced as a Values
-    // change, so that the journal takes it whole whatever values it shares with the race before.
-    void replaced();
-
     // Values changed while a Batch lives are announced when the outermost one ends: a handler
     // that sets five values makes one journal entry.
     class Batch
@@ -124,6 +120,23 @@ public:
     private:
         Race& race;
     };
+
+    // The race replaced whole (a kept race made the current one). The changes made while a
+    // Replacement lives are announced as they come, for the screen, but the journal leaves them
+    // out (replacing() is true); its end is one Values change, which the journal takes as one
+    // snapshot. A program killed half-way is found with the race before, never with a mix.
+    class Replacement
+    {
+    public:
+        explicit Replacement(Race& race);
+        ~Replacement();
+        Replacement(const Replacement&) = delete;
+        Replacement& operator=(const Replacement&) = delete;
+
+    private:
+        Race& race;
+    };
+    bool replacing() const { return replacingDepth > 0; }
 
     // The entrants loaded for the race and its name, which the results print.
     const QList<entrants::Entrant>& entrants() const { return inscritos; }
@@ -143,6 +156,7 @@ private:
     RaceRecord current;
     Variant linesFormato; // the format the results lines were written in
     int batchDepth = 0;
+    int replacingDepth = 0;
     bool valuesPending = false;
     QList<entrants::Entrant> inscritos;
     QString nombre;

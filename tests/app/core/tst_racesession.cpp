@@ -177,6 +177,39 @@ private slots:
         QCOMPARE(archive::list(next.archiveFolder()).size(), 1);
     }
 
+    void aReplacementIsJournaledWhole()
+    {
+        // A kept race made the current one, the program killed half-way: the journal holds the
+        // race before, whole; once done, the race after, whole. Never the lines of one with
+        // the first and last times of the other.
+        const QString folder = dir->path() + u'/';
+        FakeClock clock;
+        RaceSession session(clock, folder);
+        session.startJournal();
+        for (const auto& step : steps())
+            step.second(session, clock);
+        const RaceRecord before = session.race().snapshot();
+        const QString path = folder + QLatin1String(journal::fileName);
+        Race& race = session.race();
+        RaceChange captions = RaceChange::of(RaceChange::Kind::Captions);
+        captions.label2 = QStringLiteral("1");
+        captions.tempsPrimer = QStringLiteral("00:08:21:507");
+        captions.label4 = captions.tempsPrimer;
+        captions.label5 = captions.tempsPrimer;
+        {
+            const Race::Replacement replacement(race);
+            race.setTempsPrimer(captions.tempsPrimer);
+            race.apply(RaceChange::of(RaceChange::Kind::StartOrderEmptied));
+            race.restore({QStringLiteral("   1- 00:08:21:507 - 0:00:00:000")},
+                         {QStringLiteral("   1- 501- 00:08:21:507 - 0:00:00:000")}, {});
+            race.apply(captions);
+            QCOMPARE(journal::read(path).record, before);
+        }
+        const RaceRecord after = race.snapshot();
+        QVERIFY(after != before);
+        QCOMPARE(journal::read(path).record, after);
+    }
+
     void theNewerStateFileIsRead_data()
     {
         QTest::addColumn<bool>("fallbackNewer");
