@@ -67,6 +67,21 @@ QList<qint64> screenDifferences(const QStringList& list1)
     return differences;
 }
 
+// The unclassified in their order: by category, by status, by bib.
+void sortUnclassified(QList<Row>& rows, const QList<entrants::Entrant>& entrants,
+                      const QStringList& categories)
+{
+    const auto category = [&](const Row& r) {
+        const qsizetype c = r.entrant >= 0 ? categories.indexOf(entrants[r.entrant].categoria) : -1;
+        return c < 0 ? categories.size() : c;
+    };
+    std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
+        const auto ka = std::tuple(category(a), runnerstatus::listOrder(a.kind), a.bib);
+        const auto kb = std::tuple(category(b), runnerstatus::listOrder(b.kind), b.bib);
+        return ka < kb;
+    });
+}
+
 bool ranksBefore(const Row& a, const Row& b)
 {
     // Lines without a time (the bibs-only capture) keep the order they arrived in.
@@ -78,6 +93,14 @@ bool ranksBefore(const Row& a, const Row& b)
 }
 
 } // namespace
+
+qint64 published(qint64 ms, Precision precision)
+{
+    const qint64 unit = precision == Precision::Tenth         ? 100
+                        : precision == Precision::WholeSecond ? 1000
+                                                              : 1;
+    return ms <= 0 ? ms : (ms + unit - 1) / unit * unit;
+}
 
 std::optional<qint64> lineTimeMs(QStringView time)
 {
@@ -100,8 +123,9 @@ std::optional<qint64> lineTimeMs(QStringView time)
 }
 
 Results classify(const QStringList& list1, const QList<entrants::Entrant>& entrants,
-                 const QStringList& list2)
+                 const QStringList& list2, const Options& options)
 {
+    const bool rounded = options.precision != Precision::AsTaken;
     Results results;
     results.withEntrants = !entrants.isEmpty();
     QHash<int, int> entrantOfBib;
@@ -140,6 +164,12 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
             continue;
         }
         counted.insert(row.bib);
+        // Taken out by the timekeeper: listed with the entrants not classified.
+        row.kind = runnerstatus::of(options.marks, row.bib, true);
+        if (row.kind != runnerstatus::Kind::Classified) {
+            results.unclassified << row;
+            continue;
+        }
         if (results.timeTrial) {
             if (row.entrant >= 0 && entrants[row.entrant].salidaMs)
                 row.startMs = entrants[row.entrant].salidaMs;
@@ -162,11 +192,30 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
         }
         ranked << row;
     }
+    // The entrants without a finish.
+    for (qsizetype i = 0; i < entrants.size(); ++i) {
+        if (counted.contains(entrants[i].bib))
+            continue;
+        Row row;
+        row.bib = entrants[i].bib;
+        row.entrant = static_cast<int>(i);
+        row.kind = runnerstatus::of(options.marks, row.bib, false);
+        if (row.kind == runnerstatus::Kind::Classified)
+            row.kind = runnerstatus::Kind::DidNotStart; // classified without a finish: no time
+        results.unclassified << row;
+    }
+    sortUnclassified(results.unclassified, entrants, results.categories);
 
     std::stable_sort(ranked.begin(), ranked.end(), ranksBefore);
+    // Ranked on the time as taken, published rounded: the same rounded times are neighbours.
+    if (rounded)
+        for (Row& row : ranked)
+            if (row.timeMs)
+                row.timeMs = published(*row.timeMs, options.precision);
     // What a gap is measured on: the screen's difference where the lines carry it, else the
     // time that ranks.
-    const QList<qint64> screen = results.timeTrial ? QList<qint64>() : screenDifferences(list1);
+    const QList<qint64> screen =
+        results.timeTrial || rounded ? QList<qint64>() : screenDifferences(list1);
     const auto gapBase = [&screen](const Row& row) -> std::optional<qint64> {
         if (!row.timeMs || screen.isEmpty())
             return row.timeMs;
@@ -175,9 +224,13 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
     const std::optional<qint64> leader = ranked.isEmpty() ? std::nullopt : gapBase(ranked.first());
     QList<int> categoryCount(results.categories.size());
     QList<std::optional<qint64>> categoryLeader(results.categories.size());
+    QList<std::optional<qint64>> categoryLast(results.categories.size());
+    QList<int> categoryLastPosition(results.categories.size());
     for (qsizetype i = 0; i < ranked.size(); ++i) {
         Row& row = ranked[i];
-        row.position = static_cast<int>(i + 1);
+        // Rounded times that are the same share the place.
+        const bool tied = rounded && i > 0 && row.timeMs && ranked[i - 1].timeMs == row.timeMs;
+        row.position = tied ? ranked[i - 1].position : static_cast<int>(i + 1);
         const std::optional<qint64> base = gapBase(row);
         if (base && leader)
             row.gapMs = *base - *leader;
@@ -186,8 +239,12 @@ Results classify(const QStringList& list1, const QList<entrants::Entrant>& entra
         const int c = categoryIndex.value(entrants[row.entrant].categoria, -1);
         if (c < 0)
             continue;
-        row.categoryPosition = ++categoryCount[c];
-        if (row.categoryPosition == 1)
+        ++categoryCount[c];
+        const bool categoryTied = rounded && row.timeMs && categoryLast[c] == row.timeMs;
+        row.categoryPosition = categoryTied ? categoryLastPosition[c] : categoryCount[c];
+        categoryLast[c] = row.timeMs;
+        categoryLastPosition[c] = row.categoryPosition;
+        if (categoryCount[c] == 1)
             categoryLeader[c] = base;
         if (base && categoryLeader[c])
             row.categoryGapMs = *base - *categoryLeader[c];

@@ -11,9 +11,18 @@
 // whose differences do not fit their times (the bibs-and-times mode writes a difference that
 // does not run) give their gaps from the times. In a time trial a gap is the riding time less
 // the leader's. Either is cut, never rounded, when written.
+//
+// Published to the tenth or to the whole second, every ranking time is rounded up to it first
+// (the road-running rule); runners are ranked on the rounded time, those with the same one
+// share the place (the next place is skipped), and a gap is the difference of rounded times.
+//
+// The timekeeper's marks take a finisher out of the classification (did not finish,
+// disqualified, out of time); the entrants not classified, with or without a finish, are
+// listed apart, each with his status.
 #pragma once
 
 #include "results/core/entrants.h"
+#include "results/core/runnerstatus.h"
 
 #include <QList>
 #include <QStringList>
@@ -25,6 +34,17 @@ namespace classification
 {
 
 enum class Status { Ranked, BeforeStart, NoStart, Unidentified, Repeated };
+
+// How times are published: as taken, to the tenth, or to the whole second, rounded up.
+enum class Precision { AsTaken, Tenth, WholeSecond };
+
+// A time as published: rounded up to the precision's unit.
+qint64 published(qint64 ms, Precision precision);
+
+struct Options {
+    runnerstatus::Marks marks;
+    Precision precision = Precision::AsTaken;
+};
 
 struct Row {
     int arrival = 0; // the finish's line in the results list, from 1
@@ -38,6 +58,7 @@ struct Row {
     std::optional<qint64> gapMs;
     int categoryPosition = 0;
     std::optional<qint64> categoryGapMs;
+    runnerstatus::Kind kind = runnerstatus::Kind::Classified; // of the unclassified
 };
 
 struct Results {
@@ -47,6 +68,10 @@ struct Results {
     // runners without a start time, the unidentified and the repeats, each in the order they
     // finished.
     QList<Row> rows;
+    // The entrants not classified: a finisher the timekeeper took out, an entrant without a
+    // finish (did not start unless marked otherwise). By category, in the order of
+    // `categories` (none last), then by status (runnerstatus::listOrder), then by bib.
+    QList<Row> unclassified;
     // The categories of the entrants, in the order they first appear in the file.
     QStringList categories;
 };
@@ -55,6 +80,6 @@ struct Results {
 std::optional<qint64> lineTimeMs(QStringView time);
 
 Results classify(const QStringList& list1, const QList<entrants::Entrant>& entrants,
-                 const QStringList& list2);
+                 const QStringList& list2, const Options& options = {});
 
 } // namespace classification

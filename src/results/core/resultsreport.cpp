@@ -42,6 +42,16 @@ QString statusText(Status status)
     return QString();
 }
 
+// The status of an unclassified runner, with a disqualification's reason.
+QString kindText(const Row& row, const runnerstatus::Marks& marks)
+{
+    QString text = runnerstatus::label(row.kind);
+    const QString reason = marks.value(row.bib).reason;
+    if (row.kind == runnerstatus::Kind::Disqualified && !reason.isEmpty())
+        text += QStringLiteral(" (%1)").arg(reason);
+    return text;
+}
+
 // The columns of a classification and of a table of finishes that are not ranked.
 struct Columns {
     const classification::Results& results;
@@ -108,6 +118,24 @@ struct Columns {
         add(t, QStringLiteral("Tiempo"), Column::Number, Place::Main);
         return t;
     }
+    // The entrants not classified, by category, with their status.
+    Table unclassified() const
+    {
+        Table t{
+            QStringLiteral("No clasificados"), QStringLiteral("No clasificados"), {}, {}, {}, {}};
+        add(t, QStringLiteral("Dorsal"), Column::Number, Place::Main);
+        add(t, QStringLiteral("Nombre"), Column::WideText, Place::Main);
+        add(t, QStringLiteral("Club"), Column::WideText, Place::Detail);
+        add(t, QStringLiteral("Categoría"), Column::Text, Place::Detail);
+        add(t, QStringLiteral("Situación"), Column::Text, Place::Main);
+        return t;
+    }
+    QStringList unclassifiedCells(const Row& row, const runnerstatus::Marks& marks) const
+    {
+        const entrants::Entrant* e = entrantOf(row, entrants);
+        return {QString::number(row.bib), e ? e->fullName() : QString(), e ? e->club : QString(),
+                e ? e->categoria : QString(), kindText(row, marks)};
+    }
     QStringList apartCells(const Row& row) const
     {
         QStringList cells{QString::number(row.arrival), QString::number(row.bib)};
@@ -134,6 +162,16 @@ QString csvField(const QString& text)
     return u'"' + quoted + u'"';
 }
 
+void appendRow(QString& text, const QStringList& cells)
+{
+    for (qsizetype i = 0; i < cells.size(); ++i) {
+        if (i > 0)
+            text += u';';
+        text += csvField(cells[i]);
+    }
+    text += QStringLiteral("\r\n");
+}
+
 } // namespace
 
 QString clockText(qint64 ms, int fractionDigits)
@@ -149,18 +187,25 @@ QString clockText(qint64 ms, int fractionDigits)
                        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
     if (fractionDigits == 3)
         text += QStringLiteral(",%1").arg(ms % 1000, 3, 10, QLatin1Char('0'));
+    else if (fractionDigits == 1)
+        text += QStringLiteral(",%1").arg(ms % 1000 / 100);
     else if (fractionDigits == 2)
         text += QStringLiteral(",%1").arg(ms % 1000 / 10, 2, 10, QLatin1Char('0'));
     return text;
 }
 
-int fractionDigitsOf(int format)
+int fractionDigitsOf(int format, classification::Precision precision)
 {
+    if (precision == classification::Precision::Tenth)
+        return 1;
+    if (precision == classification::Precision::WholeSecond)
+        return 0;
     return format == 1 ? 2 : format == 2 ? 3 : 0;
 }
 
 Report report(const classification::Results& results, const QList<entrants::Entrant>& entrants,
-              int fractionDigits, const QString& raceName, const QDate& date)
+              int fractionDigits, const QString& raceName, const QDate& date,
+              const runnerstatus::Marks& marks)
 {
     const Columns columns{results, entrants, fractionDigits};
     Report report{raceName, date, {}, {}};
@@ -196,6 +241,22 @@ Report report(const classification::Results& results, const QList<entrants::Entr
     for (const Table& t : apart) {
         report.summary << Summary{QStringLiteral("%1: %2").arg(t.title).arg(t.rows.size()),
                                   static_cast<int>(report.tables.size())};
+        report.tables << t;
+    }
+    if (!results.unclassified.isEmpty()) {
+        // A count a status, in the order the table lists them.
+        QMap<int, std::pair<runnerstatus::Kind, int>> counts;
+        Table t = columns.unclassified();
+        for (const Row& row : results.unclassified) {
+            t.rows << columns.unclassifiedCells(row, marks);
+            auto& count = counts[runnerstatus::listOrder(row.kind)];
+            count.first = row.kind;
+            ++count.second;
+        }
+        for (const auto& [kind, count] : std::as_const(counts))
+            report.summary << Summary{
+                QStringLiteral("%1: %2").arg(runnerstatus::label(kind)).arg(count),
+                static_cast<int>(report.tables.size())};
         report.tables << t;
     }
     return report;
@@ -391,7 +452,7 @@ QByteArray html(const Report& report)
 }
 
 QByteArray csv(const classification::Results& results, const QList<entrants::Entrant>& entrants,
-               int fractionDigits)
+               int fractionDigits, const runnerstatus::Marks& marks)
 {
     QStringList header{QStringLiteral("Puesto"), QStringLiteral("Dorsal")};
     if (results.withEntrants)
@@ -426,12 +487,20 @@ QByteArray csv(const classification::Results& results, const QList<entrants::Ent
               << (ranked ? gapText(row.gapMs, fractionDigits) : QString())
               << (row.status == Status::Repeated ? QStringLiteral("Repetido")
                                                  : statusText(row.status));
-        for (qsizetype i = 0; i < cells.size(); ++i) {
-            if (i > 0)
-                text += u';';
-            text += csvField(cells[i]);
-        }
-        text += QStringLiteral("\r\n");
+        appendRow(text, cells);
+    }
+    // The entrants not classified: their finish, when they have one, and their status.
+    for (const Row& row : results.unclassified) {
+        const entrants::Entrant* e = entrantOf(row, entrants);
+        QStringList cells{QString(), QString::number(row.bib)};
+        cells << (e ? e->nombre : QString()) << (e ? e->apellidos : QString())
+              << (e ? e->club : QString()) << (e ? e->categoria : QString())
+              << (e ? e->sexo : QString()) << QString();
+        if (results.timeTrial)
+            cells << optionalClock(row.startMs, fractionDigits);
+        cells << optionalClock(row.finishMs, fractionDigits) << QString() << QString()
+              << kindText(row, marks);
+        appendRow(text, cells);
     }
     return "\xEF\xBB\xBF" + text.toUtf8();
 }

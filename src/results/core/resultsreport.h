@@ -49,15 +49,18 @@ struct Report {
     QList<Summary> summary;
 };
 
-// A time in milliseconds with `fractionDigits` (0, 2 or 3) digits after the comma, cut (never
+// A time in milliseconds with `fractionDigits` (0, 1, 2 or 3) digits after the comma, cut (never
 // rounded) to them.
 QString clockText(qint64 ms, int fractionDigits);
 
 // The general classification, one per category when the entrants have categories, then the
 // finishes that are not ranked, each kind in a table of its own: those before the runner's
 // start first, then those without a start, the unidentified and the repeats.
+// The entrants not classified follow, by category with their status, and their counts a
+// status go on the first page.
 Report report(const classification::Results& results, const QList<entrants::Entrant>& entrants,
-              int fractionDigits, const QString& raceName, const QDate& date);
+              int fractionDigits, const QString& raceName, const QDate& date,
+              const runnerstatus::Marks& marks = {});
 
 // One self-contained HTML5 page, UTF-8, made for a phone first: an index of the
 // classifications at the top, and on a narrow screen each row on two lines, place, bib, name
@@ -67,9 +70,10 @@ QByteArray html(const Report& report);
 // UTF-8 with its mark, ";" between fields, CR LF after every row: a header, then one row a
 // finish in the order of the classification.
 QByteArray csv(const classification::Results& results, const QList<entrants::Entrant>& entrants,
-               int fractionDigits);
+               int fractionDigits, const runnerstatus::Marks& marks = {});
 
-// The fraction digits of a time format (Segundos, Centesimas, Milesimas).
-int fractionDigitsOf(int format);
+// The fraction digits of a time format (Segundos, Centesimas, Milesimas), or of the
+// precision the times are published to when it is not as taken.
+int fractionDigitsOf(int format, classification::Precision precision = {});
 
 } // namespace resultsreport
