@@ -113,6 +113,8 @@ void FormMarvolendo::showChange(const RaceChange& c)
     case Kind::Values:
         showCaptions();
         return;
+    case Kind::Mark:
+        return;
     }
     finishEditor->showChecks(c);
 }

@@ -119,7 +119,7 @@ QString exact(double v)
 bool applySnapshot(const QList<QByteArrayView>& f, RaceRecord* r)
 {
     // S inicio desfase horaSalida tempsPrimer label5 label8 formato modo label1 label2 label4
-    //   N combo1/list1 pairs... M list2...
+    //   N combo1/list1 pairs... M list2... [K bib code reason...]
     if (f.size() < 14)
         return false;
     RaceRecord rec;
@@ -149,10 +149,26 @@ bool applySnapshot(const QList<QByteArrayView>& f, RaceRecord* r)
     }
     const qsizetype mAt = 13 + 2 * n;
     const qsizetype m = unescape(f[mAt]).toLongLong(&ok);
-    if (!ok || m < 0 || mAt + 1 + m != f.size())
+    if (!ok || m < 0 || mAt + 1 + m > f.size())
         return false;
     for (qsizetype j = 0; j < m; ++j)
         s.list2 << unescape(f[mAt + 1 + j]);
+    // The timekeeper's marks, when the race has any: their count, then bib, code and reason.
+    const qsizetype kAt = mAt + 1 + m;
+    if (kAt < f.size()) {
+        const qsizetype k = unescape(f[kAt]).toLongLong(&ok);
+        if (!ok || k < 0 || kAt + 1 + 3 * k != f.size())
+            return false;
+        for (qsizetype j = 0; j < k; ++j) {
+            const qsizetype at = kAt + 1 + 3 * j;
+            const int bib = unescape(f[at]).toInt(&ok);
+            const std::optional<runnerstatus::Kind> kind =
+                runnerstatus::fromCode(unescape(f[at + 1]));
+            if (!ok || bib <= 0 || !kind)
+                return false;
+            rec.marks.insert(bib, runnerstatus::Mark{*kind, unescape(f[at + 2])});
+        }
+    }
     *r = rec;
     return true;
 }
@@ -194,6 +210,15 @@ std::optional<RaceChange> changeOf(char kind, const QList<QByteArrayView>& f)
         c = RaceChange::of(Kind::ResultsEmptied);
     } else if (kind == 'D' && f.size() == 2) {
         c = RaceChange::differences(index(1));
+    } else if (kind == 'M' && (f.size() == 2 || f.size() == 4)) {
+        std::optional<runnerstatus::Mark> mark;
+        if (f.size() == 4) {
+            const std::optional<runnerstatus::Kind> k = runnerstatus::fromCode(unescape(f[2]));
+            if (!k)
+                return std::nullopt;
+            mark = runnerstatus::Mark{*k, unescape(f[3])};
+        }
+        c = RaceChange::marked(index(1), mark);
     } else if (kind == 'L' && f.size() == 6) {
         c = RaceChange::of(Kind::Captions);
         c.label2 = unescape(f[1]);
@@ -292,6 +317,11 @@ QByteArray encodeSnapshot(const RaceRecord& r)
         f << s.combo1[i] << s.list1.value(i);
     f << QString::number(s.list2.size());
     f << s.list2;
+    if (!r.marks.isEmpty()) {
+        f << QString::number(r.marks.size());
+        for (auto it = r.marks.cbegin(); it != r.marks.cend(); ++it)
+            f << QString::number(it.key()) << runnerstatus::code(it->kind) << it->reason;
+    }
     return entry('S', f);
 }
 
@@ -320,6 +350,11 @@ QByteArray encodeChange(const RaceChange& c)
         return entry('L', {c.label2, c.tempsPrimer, c.label4, c.label5, c.label8});
     case Kind::Values:
         break;
+    case Kind::Mark:
+        if (!c.mark)
+            return entry('M', {QString::number(c.index)});
+        return entry('M',
+                     {QString::number(c.index), runnerstatus::code(c.mark->kind), c.mark->reason});
     }
     return {};
 }

@@ -54,7 +54,16 @@ RaceChange RaceChange::of(Kind kind)
 
 bool RaceChange::changesLines() const
 {
-    return kind != Kind::Captions && kind != Kind::Values && (kind != Kind::Finish || hasLines);
+    return kind != Kind::Captions && kind != Kind::Values && kind != Kind::Mark &&
+           (kind != Kind::Finish || hasLines);
+}
+
+RaceChange RaceChange::marked(int bib, const std::optional<runnerstatus::Mark>& mark)
+{
+    RaceChange c = of(Kind::Mark);
+    c.index = bib;
+    c.mark = mark;
+    return c;
 }
 
 namespace
@@ -120,6 +129,8 @@ bool applyChange(RaceLines& l, const RaceChange& c)
     case Kind::Captions:
     case Kind::Values:
         return true;
+    case Kind::Mark:
+        return c.index > 0;
     }
     return false;
 }
@@ -138,6 +149,12 @@ bool applyChange(RaceRecord& r, const RaceChange& c)
         r.label4 = c.label4;
         s.label5 = c.label5;
         s.label8 = c.label8;
+    }
+    if (applied && c.kind == RaceChange::Kind::Mark) {
+        if (c.mark)
+            r.marks.insert(c.index, *c.mark);
+        else
+            r.marks.remove(c.index);
     }
     return applied;
 }

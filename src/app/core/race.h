@@ -28,6 +28,7 @@ struct RaceChange {
         Values,            // window-level values or captions changed outside a finish or an
                            // edit (Start, Stop, the clock, a clear, a format): the journal takes
                            // the race whole
+        Mark,              // the status of bib `index` set to `mark`, or cleared when none
     };
     Kind kind = Kind::Finish;
     int index = -1;
@@ -42,6 +43,7 @@ struct RaceChange {
     QString label4;
     QString label5;
     QString label8;
+    std::optional<runnerstatus::Mark> mark;
 
     static RaceChange bib(int index, const QString& list1Line);
     static RaceChange remove(int index);
@@ -49,6 +51,7 @@ struct RaceChange {
     static RaceChange startOrder(const QStringList& lines);
     static RaceChange differences(int format);
     static RaceChange of(Kind kind);
+    static RaceChange marked(int bib, const std::optional<runnerstatus::Mark>& mark);
 
     // Changes the lines (not only the captions or the values).
     bool changesLines() const;
@@ -80,6 +83,7 @@ public:
     const QStringList& combo1() const { return current.state.combo1; }
     const QStringList& list1() const { return current.state.list1; }
     const QStringList& list2() const { return current.state.list2; }
+    const runnerstatus::Marks& marks() const { return current.marks; }
     bool running() const { return current.state.inicio != 0; }
     // The race as the journal takes it: the clock's caption only while the clock stands.
     RaceRecord snapshot() const;

@@ -426,6 +426,7 @@ void RaceSession::follow(const RaceChange& change)
     case Kind::Captions:
     case Kind::Differences:
     case Kind::Values:
+    case Kind::Mark:
         // None changes a bib, and the lines keep their places: their checks stand.
         return;
     case Kind::Finish:

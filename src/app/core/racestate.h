@@ -2,6 +2,8 @@
 // race as the journal keeps it, with the captions the state file does not carry.
 #pragma once
 
+#include "results/core/runnerstatus.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -36,9 +38,10 @@ struct RaceState {
 // the rank counter, the first finisher.
 struct RaceRecord {
     RaceState state;
-    QString label1; // the clock, hh:mm:ss
-    QString label2; // the rank counter
-    QString label4; // the first finisher's time
+    QString label1;            // the clock, hh:mm:ss
+    QString label2;            // the rank counter
+    QString label4;            // the first finisher's time
+    runnerstatus::Marks marks; // what the timekeeper said of the runners, by bib
 
     bool operator==(const RaceRecord&) const = default;
 };

@@ -24,6 +24,19 @@ QString folded(QStringView text)
 
 } // namespace
 
+QString code(Kind kind)
+{
+    return QLatin1String(codes[int(kind)]);
+}
+
+std::optional<Kind> fromCode(QStringView text)
+{
+    for (int k = 0; k < 5; ++k)
+        if (text == QLatin1String(codes[k]))
+            return Kind(k);
+    return std::nullopt;
+}
+
 Kind of(const Marks& marks, int bib, bool finished)
 {
     const auto it = marks.constFind(bib);
@@ -123,12 +136,8 @@ Marks decode(QByteArrayView bytes)
         const int bib = f[0].toInt(&ok);
         if (!ok || bib <= 0)
             continue;
-        for (int k = 0; k < 5; ++k)
-            if (f[1] == codes[k]) {
-                marks.insert(bib,
-                             Mark{Kind(k), f.size() > 2 ? QString::fromUtf8(f[2]) : QString()});
-                break;
-            }
+        if (const std::optional<Kind> kind = fromCode(QString::fromLatin1(f[1])))
+            marks.insert(bib, Mark{*kind, f.size() > 2 ? QString::fromUtf8(f[2]) : QString()});
     }
     return marks;
 }

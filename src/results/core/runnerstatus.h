@@ -39,6 +39,10 @@ int listOrder(Kind kind);
 // "fuera de control", "dns", "no salio", "clasificado").
 std::optional<Kind> parse(QStringView word);
 
+// The code a kind is written as in the race's files ("C", "DNF", "DNS", "DSQ", "FC"), and back.
+QString code(Kind kind);
+std::optional<Kind> fromCode(QStringView code);
+
 // One line a mark, "bib<TAB>kind<TAB>reason", UTF-8, for the race's own files; a line that
 // cannot be read is passed over.
 QByteArray encode(const Marks& marks);

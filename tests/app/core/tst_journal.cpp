@@ -96,6 +96,25 @@ private slots:
         const journal::Contents d = journal::decode(bytes);
         QCOMPARE(d.record.state, odd.state);
         QCOMPARE(d.changes, 11);
+
+        // The timekeeper's marks: set, changed, cleared; a snapshot carries those standing,
+        // with a reason that holds tabs and accents.
+        using runnerstatus::Kind;
+        bytes += journal::encodeChange(
+            RaceChange::marked(12, runnerstatus::Mark{Kind::DidNotFinish, {}}));
+        bytes += journal::encodeChange(RaceChange::marked(
+            40, runnerstatus::Mark{Kind::Disqualified, QStringLiteral("atajó\tpor el parque")}));
+        bytes +=
+            journal::encodeChange(RaceChange::marked(7, runnerstatus::Mark{Kind::OutOfTime, {}}));
+        bytes += journal::encodeChange(RaceChange::marked(7, std::nullopt));
+        const runnerstatus::Marks marks{
+            {12, {Kind::DidNotFinish, {}}},
+            {40, {Kind::Disqualified, QStringLiteral("atajó\tpor el parque")}}};
+        QCOMPARE(journal::decode(bytes).record.marks, marks);
+        RaceRecord marked = journal::decode(bytes).record;
+        bytes += journal::encodeSnapshot(marked);
+        QCOMPARE(journal::decode(bytes).record, marked);
+        QCOMPARE(journal::decode(bytes).record.state, odd.state);
     }
 
     void cutAnywhereKeepsWhatPrecedes()
