@@ -28,17 +28,19 @@ constexpr char raceNameFile[] = "MARVO-carrera.txt";
 
 // The classification of the lines and the three files drawn and written from it.
 exports::WriteResult writeResults(const QStringList& list1, const QStringList& list2,
-                                  const QList<entrants::Entrant>& entered, int digits,
-                                  const QString& name, const QDate& date)
+                                  const QList<entrants::Entrant>& entered,
+                                  const runnerstatus::Marks& marks, int digits, const QString& name,
+                                  const QDate& date)
 {
-    const classification::Results results = classification::classify(list1, entered, list2);
+    const classification::Results results =
+        classification::classify(list1, entered, list2, {marks, {}});
     const resultsreport::Report report =
-        resultsreport::report(results, entered, digits, name, date);
+        resultsreport::report(results, entered, digits, name, date, marks);
     return exports::write(
         {{QString::fromLatin1(resultsreport::pdfFile), resultspdf::render(report)},
          {QString::fromLatin1(resultsreport::htmlFile), resultsreport::html(report)},
          {QString::fromLatin1(resultsreport::csvFile),
-          resultsreport::csv(results, entered, digits)}});
+          resultsreport::csv(results, entered, digits, marks)}});
 }
 
 } // namespace
@@ -129,6 +131,7 @@ void ResultsPublisher::forget()
         return;
     session.race().setName(QString());
     session.race().setEntrants({});
+    session.clearMarks();
     QFile::remove(besideState(entrants::keptFile));
     QFile::remove(besideState(raceNameFile));
 }
@@ -158,11 +161,12 @@ void ResultsPublisher::publish()
     // The files are drawn and written away from the window: a big race takes most of a second,
     // and the clock and the finish keys must not wait for it.
     auto written = std::make_shared<exports::WriteResult>();
-    resultsThread = QThread::create(
-        [written, list1 = race.list1(), list2 = race.list2(), entered = race.entrants(),
-         digits = resultsreport::fractionDigitsOf(session.lapOptions().format), name = race.name(),
-         date = QDate::currentDate()] {
-            *written = writeResults(list1, list2, entered, digits, name, date);
+    resultsThread =
+        QThread::create([written, list1 = race.list1(), list2 = race.list2(),
+                         entered = race.entrants(), marks = race.marks(),
+                         digits = resultsreport::fractionDigitsOf(session.lapOptions().format),
+                         name = race.name(), date = QDate::currentDate()] {
+            *written = writeResults(list1, list2, entered, marks, digits, name, date);
         });
     resultsThread->setParent(this);
     connect(resultsThread, &QThread::finished, this, [this, written] {

@@ -313,6 +313,12 @@ void Race::setEntrants(const QList<entrants::Entrant>& list)
     emit entrantsChanged();
 }
 
+void Race::restoreMarks(const runnerstatus::Marks& marks)
+{
+    current.marks = marks;
+    emit entrantsChanged();
+}
+
 void Race::setName(const QString& name)
 {
     if (nombre == name)

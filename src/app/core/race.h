@@ -146,6 +146,8 @@ public:
     const QList<entrants::Entrant>& entrants() const { return inscritos; }
     const QString& name() const { return nombre; }
     void setEntrants(const QList<entrants::Entrant>& list);
+    // The marks of a saved race, read back at start-up: not a change, so not journaled.
+    void restoreMarks(const runnerstatus::Marks& marks);
     void setName(const QString& name);
 
 signals:

@@ -167,4 +167,19 @@ RaceChange relabelled(const RaceRecord& race, const Context& context)
     return captions(race, endsOf(race.state), context, true, false);
 }
 
+std::optional<RaceCommand> marking(const RaceRecord& race, int bib,
+                                   const std::optional<runnerstatus::Mark>& mark)
+{
+    const auto it = race.marks.constFind(bib);
+    const std::optional<runnerstatus::Mark> before =
+        it == race.marks.cend() ? std::nullopt : std::optional(*it);
+    if (bib <= 0 || bib > entrants::maxBib || before == mark)
+        return std::nullopt;
+    RaceCommand c;
+    c.redo << RaceChange::marked(bib, mark);
+    c.undo << RaceChange::marked(bib, before);
+    c.text = QStringLiteral("situación del dorsal %1").arg(bib);
+    return c;
+}
+
 } // namespace raceedits

@@ -46,4 +46,9 @@ std::optional<RaceCommand> bibCorrection(const RaceRecord& race, int index, cons
 // included: for a race that comes back whole.
 RaceChange relabelled(const RaceRecord& race, const Context& context);
 
+// The status of `bib` set to `mark`, or cleared (classified when he finished); undone, the mark
+// it had. None when the bib is not a bib or the mark is already the bib's.
+std::optional<RaceCommand> marking(const RaceRecord& race, int bib,
+                                   const std::optional<runnerstatus::Mark>& mark);
+
 } // namespace raceedits

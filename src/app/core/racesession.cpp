@@ -4,6 +4,7 @@
 #include "base/basic.h"
 #include "base/fileerror.h"
 #include "base/paths.h"
+#include "base/savefile.h"
 #include "chrono/core/timevalue.h"
 #include "results/core/resultline.h"
 
@@ -147,6 +148,10 @@ void RaceSession::startJournal()
         model.setLastDifference(rec.state.label8);
         if (!model.running() && !rec.label1.isEmpty())
             model.setClock(rec.label1);
+        model.restoreMarks(rec.marks);
+        saveMarks();
+    } else {
+        loadMarks();
     }
     keeper.start();
 }
@@ -377,6 +382,41 @@ bool RaceSession::perform(const std::optional<RaceCommand>& command)
     return true;
 }
 
+bool RaceSession::setMark(int bib, const std::optional<runnerstatus::Mark>& mark)
+{
+    return perform(raceedits::marking(model.record(), bib, mark));
+}
+
+void RaceSession::clearMarks()
+{
+    const QList<int> bibs = model.marks().keys();
+    for (const int bib : bibs)
+        model.apply(RaceChange::marked(bib, std::nullopt));
+}
+
+// The marks are journaled as they change; the file beside the state file brings them back at
+// the next start (the journal only after an abnormal end).
+void RaceSession::saveMarks()
+{
+    const QString path = carpeta + QLatin1String(runnerstatus::keptFile);
+    if (model.marks().isEmpty()) {
+        QFile::remove(path);
+        return;
+    }
+    const QString error = savefile::write(path, runnerstatus::encode(model.marks()));
+    if (!error.isEmpty())
+        emit notice(QStringLiteral("No se pudo guardar la situación de los corredores en %1 "
+                                   "(%2); queda en el diario de la carrera.")
+                        .arg(path, error));
+}
+
+void RaceSession::loadMarks()
+{
+    QFile file(carpeta + QLatin1String(runnerstatus::keptFile));
+    if (file.open(QIODevice::ReadOnly))
+        model.restoreMarks(runnerstatus::decode(file.read(4 * 1024 * 1024)));
+}
+
 bool RaceSession::undo()
 {
     if (history.isEmpty())
@@ -423,10 +463,12 @@ void RaceSession::follow(const RaceChange& change)
     checkedRows.clear();
     checkedAll = false;
     switch (change.kind) {
+    case Kind::Mark:
+        saveMarks();
+        return;
     case Kind::Captions:
     case Kind::Differences:
     case Kind::Values:
-    case Kind::Mark:
         // None changes a bib, and the lines keep their places: their checks stand.
         return;
     case Kind::Finish:

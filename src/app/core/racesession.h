@@ -114,6 +114,11 @@ public:
 
     // --- Edits the operator can take back ---
     bool perform(const std::optional<RaceCommand>& command);
+    // The status of a bib set, or cleared when none: undoable, journaled, and kept beside the
+    // state file. False when nothing changed.
+    bool setMark(int bib, const std::optional<runnerstatus::Mark>& mark);
+    // Every mark cleared, as when the entrants are forgotten.
+    void clearMarks();
     bool undo();
     bool canUndo() const { return !history.isEmpty(); }
     QString undoText() const { return history.isEmpty() ? QString() : history.last().text; }
@@ -137,6 +142,8 @@ signals:
 private:
     void follow(const RaceChange& change);
     bool save(const RaceState& state);
+    void saveMarks();
+    void loadMarks();
     // Keeps the race unless it is the newest kept one already.
     void keepOnce(const RaceState& race);
 

@@ -12,6 +12,9 @@
 namespace runnerstatus
 {
 
+// The marks of the race, kept beside the state file.
+inline constexpr char keptFile[] = "MARVO-situaciones.txt";
+
 enum class Kind { Classified, DidNotFinish, DidNotStart, Disqualified, OutOfTime };
 
 struct Mark {

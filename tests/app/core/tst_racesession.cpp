@@ -210,6 +210,47 @@ private slots:
         QCOMPARE(journal::read(path).record, after);
     }
 
+    void marksComeBack_data()
+    {
+        QTest::addColumn<bool>("killed");
+        QTest::newRow("killed: from the journal") << true;
+        QTest::newRow("a normal end: from beside the state file") << false;
+    }
+
+    void marksComeBack()
+    {
+        // The timekeeper's word on runners is part of the race: undone like an edit, and back
+        // after an abnormal end as after a normal one.
+        QFETCH(bool, killed);
+        using runnerstatus::Kind;
+        const QString folder = dir->path() + u'/';
+        FakeClock clock;
+        {
+            RaceSession s(clock, folder);
+            s.startJournal();
+            for (int i = 0; i < 4; ++i)
+                steps()[i].second(s, clock);
+            QVERIFY(s.setMark(57, runnerstatus::Mark{Kind::DidNotFinish, {}}));
+            QVERIFY(!s.setMark(57, runnerstatus::Mark{Kind::DidNotFinish, {}}));
+            QVERIFY(
+                s.setMark(12, runnerstatus::Mark{Kind::Disqualified, QStringLiteral("Sin chip")}));
+            QVERIFY(s.setMark(40, runnerstatus::Mark{Kind::OutOfTime, {}}));
+            QVERIFY(s.undo());
+            QCOMPARE(s.race().marks().size(), 2);
+            if (!killed)
+                s.end();
+        }
+        const runnerstatus::Marks expected{{12, {Kind::Disqualified, QStringLiteral("Sin chip")}},
+                                           {57, {Kind::DidNotFinish, {}}}};
+        RaceSession next(clock, folder);
+        const std::optional<JournalKeeper::Unfinished> found = next.journal().unfinished();
+        QCOMPARE(found.has_value(), killed);
+        if (found)
+            next.recover(*found);
+        next.startJournal();
+        QCOMPARE(next.race().marks(), expected);
+    }
+
     void theNewerStateFileIsRead_data()
     {
         QTest::addColumn<bool>("fallbackNewer");
