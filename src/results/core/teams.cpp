@@ -5,6 +5,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <tuple>
 
 namespace teams
 {
@@ -141,7 +142,8 @@ QList<Team> score(const QList<Runner>& runners, const Rules& rules)
         team.complete = team.scorers.size() == rules.scorers;
 
     // By sex, complete teams first, the incomplete by their number of runners; then the
-    // total, then the last scorer's place; the name last keeps the order stable.
+    // total, then the last scorer's place; teams equal on all keep the order they first
+    // finished in.
     std::stable_sort(found.begin(), found.end(), [&rules](const Team& a, const Team& b) {
         const auto rank = [&rules](const Team& t) {
             return std::make_tuple(sexOrder(t.sex), !t.complete, -t.scorers.size(), total(t, rules),
