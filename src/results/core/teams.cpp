@@ -1,6 +1,7 @@
 #include "teams.h"
 
 #include "results/core/plaintext.h"
+#include "results/core/sexes.h"
 
 #include <QHash>
 
@@ -13,37 +14,11 @@ namespace teams
 namespace
 {
 
-enum class Sex { None, Male, Female };
-
-Sex sexOf(const QString& sexo)
-{
-    static const QStringList male{QStringLiteral("m"),         QStringLiteral("h"),
-                                  QStringLiteral("hombre"),    QStringLiteral("hombres"),
-                                  QStringLiteral("masculino"), QStringLiteral("masculina"),
-                                  QStringLiteral("masculinos")};
-    static const QStringList female{QStringLiteral("f"),        QStringLiteral("mujer"),
-                                    QStringLiteral("mujeres"),  QStringLiteral("femenino"),
-                                    QStringLiteral("femenina"), QStringLiteral("femeninos"),
-                                    QStringLiteral("femeninas")};
-    const QString key = plaintext::folded(sexo);
-    if (male.contains(key))
-        return Sex::Male;
-    if (female.contains(key))
-        return Sex::Female;
-    return Sex::None;
-}
+using sexes::Sex;
 
 QString sexName(Sex sex)
 {
-    switch (sex) {
-    case Sex::Male:
-        return QStringLiteral("Masculino");
-    case Sex::Female:
-        return QStringLiteral("Femenino");
-    case Sex::None:
-        break;
-    }
-    return QString();
+    return sexes::name(sex);
 }
 
 int sexOrder(const QString& name)
@@ -113,7 +88,7 @@ QList<Team> score(const QList<Runner>& runners, const Rules& rules)
     for (Runner runner : ordered) {
         Sex sex = Sex::None;
         if (rules.bySex) {
-            sex = sexOf(runner.sexo);
+            sex = sexes::of(runner.sexo);
             if (sex == Sex::None)
                 continue;
             // Every runner of the sex takes a place, with a team or not.
@@ -173,7 +148,7 @@ QList<Runner> withoutSex(const QList<Runner>& runners)
 {
     QList<Runner> left;
     for (const Runner& r : runners)
-        if (!r.team.simplified().isEmpty() && sexOf(r.sexo) == Sex::None)
+        if (!r.team.simplified().isEmpty() && sexes::of(r.sexo) == Sex::None)
             left << r;
     return left;
 }
