@@ -12,16 +12,28 @@ namespace entrants
 namespace
 {
 
-enum Column { Dorsal, Nombre, Apellidos, Club, Categoria, Sexo, Salida, Columns };
+enum Column {
+    Dorsal,
+    Nombre,
+    Apellidos,
+    Club,
+    Equipo,
+    Categoria,
+    Sexo,
+    Nacimiento,
+    Salida,
+    Columns
+};
 
-// A header as the columns are known: lower case, accents and blanks around it dropped.
-QString plainHeader(const QString& header)
+// A number written with ASCII digits only, of minDigits to maxDigits of them.
+std::optional<int> readDigits(QStringView text, qsizetype minDigits, qsizetype maxDigits)
 {
-    QString plain;
-    for (const QChar c : header.trimmed().normalized(QString::NormalizationForm_D))
-        if (c.category() != QChar::Mark_NonSpacing)
-            plain += c.toLower();
-    return plain;
+    if (text.size() < minDigits || text.size() > maxDigits)
+        return std::nullopt;
+    for (const QChar c : text)
+        if (c < u'0' || c > u'9')
+            return std::nullopt;
+    return text.toInt();
 }
 
 std::optional<int> readBib(const QString& text)
@@ -51,6 +63,15 @@ QString lineList(const QList<int>& lines)
 
 } // namespace
 
+QString plainHeader(const QString& header)
+{
+    QString plain;
+    for (const QChar c : header.trimmed().normalized(QString::NormalizationForm_D))
+        if (c.category() != QChar::Mark_NonSpacing)
+            plain += c.toLower();
+    return plain;
+}
+
 QString Entrant::fullName() const
 {
     if (nombre.isEmpty())
@@ -58,6 +79,11 @@ QString Entrant::fullName() const
     if (apellidos.isEmpty())
         return nombre;
     return nombre + u' ' + apellidos;
+}
+
+QString Entrant::team() const
+{
+    return equipo.isEmpty() ? club : equipo;
 }
 
 QString decode(QByteArrayView bytes)
@@ -195,6 +221,44 @@ QList<Record> parse(QStringView text, QChar separator)
     return records;
 }
 
+std::optional<BirthDate> readBirthDate(QStringView text, QDate today)
+{
+    text = text.trimmed();
+    BirthDate birth;
+    std::optional<int> day, month, year;
+    if (text.contains(u'/')) {
+        const QList<QStringView> parts = text.split(u'/');
+        if (parts.size() != 3)
+            return std::nullopt;
+        day = readDigits(parts[0], 1, 2);
+        month = readDigits(parts[1], 1, 2);
+        year = readDigits(parts[2], 4, 4);
+    } else if (text.contains(u'-')) {
+        const QList<QStringView> parts = text.split(u'-');
+        if (parts.size() != 3)
+            return std::nullopt;
+        year = readDigits(parts[0], 4, 4);
+        month = readDigits(parts[1], 1, 2);
+        day = readDigits(parts[2], 1, 2);
+    } else {
+        year = readDigits(text, 4, 4);
+        if (!year)
+            return std::nullopt;
+        birth.year = *year;
+        if (birth.year < firstBirthYear || birth.year > today.year())
+            return std::nullopt;
+        return birth;
+    }
+    if (!day || !month || !year)
+        return std::nullopt;
+    const QDate date(*year, *month, *day);
+    if (!date.isValid() || *year < firstBirthYear || date > today)
+        return std::nullopt;
+    birth.year = *year;
+    birth.date = date;
+    return birth;
+}
+
 std::optional<qint64> readClockTime(QStringView text)
 {
     text = text.trimmed();
@@ -254,7 +318,8 @@ Loaded read(QByteArrayView bytes)
     static const QHash<QString, Column> known = {
         {QStringLiteral("dorsal"), Dorsal},       {QStringLiteral("nombre"), Nombre},
         {QStringLiteral("apellidos"), Apellidos}, {QStringLiteral("club"), Club},
-        {QStringLiteral("categoria"), Categoria}, {QStringLiteral("sexo"), Sexo},
+        {QStringLiteral("equipo"), Equipo},       {QStringLiteral("categoria"), Categoria},
+        {QStringLiteral("sexo"), Sexo},           {QStringLiteral("nacimiento"), Nacimiento},
         {QStringLiteral("salida"), Salida}};
     qsizetype at[Columns];
     std::fill(std::begin(at), std::end(at), -1);
@@ -267,6 +332,30 @@ Loaded read(QByteArrayView bytes)
     if (at[Dorsal] < 0) {
         loaded.refusal = QStringLiteral("La primera fila del fichero no tiene una columna "
                                         "«dorsal»: no se ha cargado nada.");
+        return loaded;
+    }
+
+    const auto fieldOf = [&at](const Record& record, Column column) {
+        return at[column] >= 0 ? record.fields.value(at[column]).trimmed() : QString();
+    };
+    // A date of birth that cannot be read refuses the file whole, whatever else the row holds.
+    const QDate today = QDate::currentDate();
+    QList<int> badBirthLines;
+    for (qsizetype r = 1; r < records.size(); ++r) {
+        const QString nacimiento = fieldOf(records[r], Nacimiento);
+        if (!nacimiento.isEmpty() && !readBirthDate(nacimiento, today))
+            badBirthLines << records[r].line;
+    }
+    if (!badBirthLines.isEmpty()) {
+        loaded.refusal =
+            QStringLiteral("No se entiende la fecha de nacimiento de %1 %2. Escríbala como "
+                           "dd/mm/aaaa, aaaa-mm-dd o solo el año, de %3 a %4. No se ha cargado "
+                           "nada.")
+                .arg(badBirthLines.size() == 1 ? QStringLiteral("la línea")
+                                               : QStringLiteral("las líneas"),
+                     lineList(badBirthLines))
+                .arg(firstBirthYear)
+                .arg(today.year());
         return loaded;
     }
 
@@ -290,8 +379,12 @@ Loaded read(QByteArrayView bytes)
         entrant.nombre = field(Nombre);
         entrant.apellidos = field(Apellidos);
         entrant.club = field(Club);
+        entrant.equipo = field(Equipo);
         entrant.categoria = field(Categoria);
         entrant.sexo = field(Sexo);
+        const QString nacimiento = fieldOf(record, Nacimiento);
+        if (!nacimiento.isEmpty())
+            entrant.nacimiento = readBirthDate(nacimiento, today);
         const QString salida = field(Salida);
         if (!salida.isEmpty()) {
             entrant.salidaMs = readClockTime(salida);
