@@ -1,5 +1,7 @@
 #include "categories.h"
 
+#include "results/core/sexes.h"
+
 #include <QHash>
 #include <QRegularExpression>
 #include <QStringList>
@@ -192,15 +194,15 @@ QString csvField(const QString& text)
 
 std::optional<Sex> readSex(QStringView text)
 {
-    static const QHash<QString, Sex> words = {
-        {QStringLiteral("m"), Sex::Male},         {QStringLiteral("h"), Sex::Male},
-        {QStringLiteral("masculino"), Sex::Male}, {QStringLiteral("hombre"), Sex::Male},
-        {QStringLiteral("f"), Sex::Female},       {QStringLiteral("mujer"), Sex::Female},
-        {QStringLiteral("femenino"), Sex::Female}};
-    const auto found = words.constFind(entrants::plainHeader(text.toString()));
-    if (found == words.cend())
-        return std::nullopt;
-    return *found;
+    switch (sexes::of(text.toString())) {
+    case sexes::Sex::Male:
+        return Sex::Male;
+    case sexes::Sex::Female:
+        return Sex::Female;
+    case sexes::Sex::None:
+        break;
+    }
+    return std::nullopt;
 }
 
 QString validate(const Table& table)
