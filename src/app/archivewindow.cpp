@@ -164,7 +164,8 @@ void ArchiveWindow::recoverChosen()
     emit answered(answer);
     if (answer == Dialogs::Cancel)
         return;
-    const RaceState race = k->race;
+    const archive::Kept kept = *k;
+    const RaceState& race = kept.race;
     if ((!session.race().list1().isEmpty() || session.clockCaption() != texts::zeroClock) &&
         !session.keepCurrent())
         return; // a race that cannot be kept is not replaced
@@ -179,5 +180,5 @@ void ArchiveWindow::recoverChosen()
         return;
     }
     carrerasVentana->hide();
-    emit recovered(race);
+    emit recovered(kept);
 }

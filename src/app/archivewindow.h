@@ -23,7 +23,7 @@ public:
 
 signals:
     // The operator chose to make `race` the current race; it is already the state file.
-    void recovered(const RaceState& race);
+    void recovered(const archive::Kept& race);
     // The answer of the last box shown.
     void answered(int answer);
 

@@ -387,7 +387,8 @@ void FormMarvolendo::buildRaceMenu()
     connect(anteriores, &QAction::triggered, archiveWindow, &ArchiveWindow::show);
     connect(archiveWindow, &ArchiveWindow::answered, this,
             [this](int answer) { respuesta = answer; });
-    connect(archiveWindow, &ArchiveWindow::recovered, this, [this](const RaceState& chosen) {
+    connect(archiveWindow, &ArchiveWindow::recovered, this, [this](const archive::Kept& kept) {
+        const RaceState& chosen = kept.race;
         // The window reads the kept race as at start-up; the journal takes the race after.
         const Race::Replacement replacement(race);
         race.setInicio(0);
@@ -400,6 +401,9 @@ void FormMarvolendo::buildRaceMenu()
         restored = statefile::Restored{chosen, 8, true};
         recuperar();
         race.apply(raceedits::relabelled(race.record(), session.editContext()));
+        // Its name, entrants and statuses come back with it.
+        session.adopt(kept.details);
+        publisher->reload();
     });
     carrera->addSeparator();
     QAction* acerca = carrera->addAction(QStringLiteral("Acerca de Marvolendo"));

@@ -23,9 +23,6 @@
 namespace
 {
 
-// The race name, kept beside the state file with the entrants.
-constexpr char raceNameFile[] = "MARVO-carrera.txt";
-
 // The classification of the lines and the three files drawn and written from it.
 exports::WriteResult writeResults(const QStringList& list1, const QStringList& list2,
                                   const QList<entrants::Entrant>& entered,
@@ -112,12 +109,14 @@ void ResultsPublisher::loadEntrants()
 
 void ResultsPublisher::reload()
 {
+    // What is beside the state file is the race's: a file that is not there, nothing.
     QFile file(besideState(entrants::keptFile));
-    if (file.open(QIODevice::ReadOnly))
-        session.race().setEntrants(entrants::read(file.read(entrants::maxFileBytes + 1)).entrants);
-    QFile name(besideState(raceNameFile));
-    if (name.open(QIODevice::ReadOnly))
-        session.race().setName(QString::fromUtf8(name.readAll()).trimmed());
+    session.race().setEntrants(file.open(QIODevice::ReadOnly)
+                                   ? entrants::read(file.read(entrants::maxFileBytes + 1)).entrants
+                                   : QList<entrants::Entrant>());
+    QFile name(besideState(entrants::raceNameFile));
+    session.race().setName(
+        name.open(QIODevice::ReadOnly) ? QString::fromUtf8(name.readAll()).trimmed() : QString());
 }
 
 bool ResultsPublisher::hasEntrants() const
@@ -133,7 +132,7 @@ void ResultsPublisher::forget()
     session.race().setEntrants({});
     session.clearMarks();
     QFile::remove(besideState(entrants::keptFile));
-    QFile::remove(besideState(raceNameFile));
+    QFile::remove(besideState(entrants::raceNameFile));
 }
 
 void ResultsPublisher::publish()
@@ -152,7 +151,7 @@ void ResultsPublisher::publish()
         if (name.isEmpty())
             return;
         race.setName(name);
-        const QString reason = savefile::write(besideState(raceNameFile), name.toUtf8());
+        const QString reason = savefile::write(besideState(entrants::raceNameFile), name.toUtf8());
         if (!reason.isEmpty())
             notices.show(
                 QStringLiteral("No se pudo guardar el nombre de la carrera (%1).").arg(reason));

@@ -4,6 +4,7 @@
 #include "statefile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -39,9 +40,32 @@ QString keepFile(const QString& folder, const QByteArray& bytes, const QDateTime
     return error->isEmpty() ? path : QString();
 }
 
-QString keep(const QString& folder, const RaceState& race, const QDateTime& when, QString* error)
+QString detailPath(const QString& keptPath, const char* suffix)
 {
-    return keepFile(folder, statefile::encode(race), when, error);
+    QString path = keptPath;
+    if (path.endsWith(QLatin1String(".dat")))
+        path.chop(4);
+    return path + QLatin1String(suffix);
+}
+
+QString keep(const QString& folder, const RaceState& race, const QDateTime& when, QString* error,
+             const Details& details)
+{
+    const QString path = keepFile(folder, statefile::encode(race), when, error);
+    if (path.isEmpty())
+        return path;
+    const std::pair<const char*, QByteArray> files[] = {
+        {nameSuffix, details.name.toUtf8()},
+        {entrantsSuffix, details.entrantsFile},
+        {marksSuffix, runnerstatus::encode(details.marks)}};
+    for (const auto& [suffix, bytes] : files) {
+        if (bytes.isEmpty())
+            continue;
+        const QString failed = savefile::write(detailPath(path, suffix), bytes);
+        if (!failed.isEmpty() && error->isEmpty())
+            *error = failed;
+    }
+    return path;
 }
 
 QList<Kept> list(const QString& folder)
@@ -62,6 +86,13 @@ QList<Kept> list(const QString& folder)
         // bytes read as a race of no finishes) is unreadable.
         k.readable = r.complete && !r.damaged;
         k.race = r.state;
+        const auto detail = [&k](const char* suffix) {
+            QFile f(detailPath(k.path, suffix));
+            return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+        };
+        k.details.name = QString::fromUtf8(detail(nameSuffix)).trimmed();
+        k.details.entrantsFile = detail(entrantsSuffix);
+        k.details.marks = runnerstatus::decode(detail(marksSuffix));
         kept << k;
     }
     // Within one second, the numbered copies came later.

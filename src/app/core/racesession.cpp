@@ -178,12 +178,48 @@ QString RaceSession::archiveFolder() const
 bool RaceSession::keep(const RaceState& race)
 {
     QString error;
-    if (!archive::keep(archiveFolder(), race, QDateTime::currentDateTime(), &error).isEmpty())
+    if (!archive::keep(archiveFolder(), race, QDateTime::currentDateTime(), &error, details())
+             .isEmpty()) {
+        if (!error.isEmpty())
+            emit notice(QStringLiteral("La carrera se guardó en %1 sin sus inscritos o su "
+                                       "situación de corredores (%2).")
+                            .arg(archiveFolder(), error));
         return true;
+    }
     emit notice(QStringLiteral("No se pudo guardar una copia de la carrera en %1 (%2). La "
                                "carrera sigue.")
                     .arg(archiveFolder(), error));
     return false;
+}
+
+archive::Details RaceSession::details() const
+{
+    archive::Details d;
+    d.name = model.name();
+    d.marks = model.marks();
+    QFile file(carpeta + QLatin1String(entrants::keptFile));
+    if (file.open(QIODevice::ReadOnly))
+        d.entrantsFile = file.read(entrants::maxFileBytes + 1);
+    return d;
+}
+
+void RaceSession::adopt(const archive::Details& d)
+{
+    const auto write = [this](const char* name, const QByteArray& bytes) {
+        const QString path = carpeta + QLatin1String(name);
+        if (bytes.isEmpty()) {
+            QFile::remove(path);
+            return;
+        }
+        const QString error = savefile::write(path, bytes);
+        if (!error.isEmpty())
+            emit notice(QStringLiteral("No se pudo escribir %1 (%2).").arg(path, error));
+    };
+    write(entrants::raceNameFile, d.name.toUtf8());
+    write(entrants::keptFile, d.entrantsFile);
+    clearMarks();
+    for (auto it = d.marks.cbegin(); it != d.marks.cend(); ++it)
+        model.apply(RaceChange::marked(it.key(), *it));
 }
 
 void RaceSession::anchorRun()

@@ -4,6 +4,7 @@
 // every change of the race is announced by race().changed, whoever made it.
 #pragma once
 
+#include "app/core/archive.h"
 #include "app/core/journalkeeper.h"
 #include "app/core/race.h"
 #include "app/core/raceedits.h"
@@ -64,6 +65,11 @@ public:
     bool keep(const RaceState& race);
     // The race as its results were taken.
     bool keepCurrent() { return keep(model.asTaken()); }
+    // What the race carries besides its lines, as a kept race keeps it.
+    archive::Details details() const;
+    // A kept race's details made the current race's: its files written beside the state file,
+    // its statuses set (within the race's replacement, one journal entry with it).
+    void adopt(const archive::Details& details);
 
     // --- The clock ---
     // The race clock anchored to now, as started at inicio.

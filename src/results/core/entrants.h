@@ -21,6 +21,8 @@ namespace entrants
 inline constexpr qint64 maxFileBytes = 20 * 1024 * 1024;
 // The copy of the loaded file kept beside the state file, read again at start-up.
 inline constexpr char keptFile[] = "MARVO-inscritos.csv";
+// The race name, kept beside it.
+inline constexpr char raceNameFile[] = "MARVO-carrera.txt";
 // The bibs a list line can hold.
 inline constexpr int maxBib = 9999;
 
