@@ -15,6 +15,7 @@
 #include "results/finisheditor.h"
 #include "results/linedelegate.h"
 #include "results/resultspublisher.h"
+#include "results/statuswindow.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -380,6 +381,11 @@ void FormMarvolendo::buildRaceMenu()
     QAction* resultados = carrera->addAction(QStringLiteral("Resultados..."));
     resultados->setObjectName(QStringLiteral("resultados"));
     connect(resultados, &QAction::triggered, publisher, &ResultsPublisher::publish);
+    auto* statusWindow = new StatusWindow(this, session, dialogs,
+                                          carrera->findChild<QAction*>(QStringLiteral("deshacer")));
+    QAction* situaciones = carrera->addAction(QStringLiteral("Situación de los corredores..."));
+    situaciones->setObjectName(QStringLiteral("situaciones"));
+    connect(situaciones, &QAction::triggered, statusWindow, &StatusWindow::show);
     carrera->addSeparator();
     archiveWindow = new ArchiveWindow(this, session, dialogs);
     QAction* anteriores = carrera->addAction(QStringLiteral("Carreras anteriores..."));

@@ -8,7 +8,7 @@
 //   src/files    results files, start-order import, the readings database link
 // What the program adds to the old window is each a class of its own, given the window's
 // controls and the session: the notices, the armed start, the finish editor, the results
-// publisher and the archive window.
+// publisher, the runners' status window and the archive window.
 #pragma once
 
 #include "app/core/racesession.h"
