@@ -48,6 +48,26 @@ void setMessage(QMessageBox& box, const QString& text)
     box.setDetailedText(text);
 }
 
+QString chooseFile(QWidget* parent, const FileRequest& request, QFileDialog::AcceptMode mode)
+{
+    QFileDialog dialog(parent, request.title);
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile
+                                                       : QFileDialog::AnyFile);
+    dialog.setNameFilter(request.filter);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    // Qt's own dialog, never the desktop's: the finish keys reach only the program's windows.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setDefaultSuffix(request.defaultSuffix);
+    const QFileInfo proposed(request.proposedName);
+    if (proposed.dir().exists())
+        dialog.setDirectory(proposed.dir());
+    dialog.selectFile(proposed.fileName());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    return dialog.selectedFiles().constFirst();
+}
+
 } // namespace
 
 int QtDialogs::confirm(QWidget* parent, const QString& title, const QString& text)
@@ -77,21 +97,13 @@ int QtDialogs::ask(QWidget* parent, const QString& title, const QString& text)
 
 QString QtDialogs::openFile(QWidget* parent, const FileRequest& request)
 {
-    QFileDialog dialog(parent, request.title);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.setNameFilter(request.filter);
-    dialog.setOption(QFileDialog::HideNameFilterDetails);
-    // Qt's own dialog, never the desktop's: the finish keys reach only the program's windows.
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setDefaultSuffix(request.defaultSuffix);
-    const QFileInfo proposed(request.proposedName);
-    if (proposed.dir().exists())
-        dialog.setDirectory(proposed.dir());
-    dialog.selectFile(proposed.fileName());
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return {};
-    return dialog.selectedFiles().constFirst();
+    return chooseFile(parent, request, QFileDialog::AcceptOpen);
+}
+
+QString QtDialogs::saveFile(QWidget* parent, const FileRequest& request)
+{
+    // Qt's dialog asks before it lets an existing file be chosen.
+    return chooseFile(parent, request, QFileDialog::AcceptSave);
 }
 
 QString QtDialogs::askText(QWidget* parent, const QString& title, const QString& label)

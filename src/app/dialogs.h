@@ -7,7 +7,7 @@
 
 class QWidget;
 
-// What the open-file dialog is asked for.
+// What a file dialog is asked for.
 struct FileRequest {
     QString title;
     QString filter;
@@ -30,6 +30,9 @@ public:
     virtual int ask(QWidget* parent, const QString& title, const QString& text) = 0;
     // The chosen file, or an empty text when the operator cancels.
     virtual QString openFile(QWidget* parent, const FileRequest& request) = 0;
+    // The file to write, or an empty text when the operator cancels; a file that exists is
+    // replaced only when the operator says so.
+    virtual QString saveFile(QWidget* parent, const FileRequest& request) = 0;
     // A line of text typed by the operator, or an empty text when the operator cancels.
     virtual QString askText(QWidget* parent, const QString& title, const QString& label) = 0;
     // One line of text for each label, in one box; an empty list when the operator cancels.
@@ -46,6 +49,7 @@ public:
     void warn(QWidget* parent, const QString& title, const QString& text) override;
     int ask(QWidget* parent, const QString& title, const QString& text) override;
     QString openFile(QWidget* parent, const FileRequest& request) override;
+    QString saveFile(QWidget* parent, const FileRequest& request) override;
     QString askText(QWidget* parent, const QString& title, const QString& label) override;
     QStringList askFields(QWidget* parent, const QString& title,
                           const QStringList& labels) override;

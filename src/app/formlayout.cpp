@@ -12,6 +12,7 @@
 #include "chrono/armedstart.h"
 #include "files/adodatacontrol.h"
 #include "files/core/latestwriter.h"
+#include "results/categorieswindow.h"
 #include "results/finisheditor.h"
 #include "results/linedelegate.h"
 #include "results/resultspublisher.h"
@@ -355,6 +356,15 @@ void FormMarvolendo::buildRaceMenu()
     QAction* seguirOrden =
         settingOption(op1, QStringLiteral("La cuenta atrás sigue el orden de salida"),
                       QStringLiteral("seguirOrden"), QStringLiteral("seguirOrdenSalida"), false);
+    op1->addSeparator();
+    QAction* categoriasEdad = op1->addAction(QStringLiteral("Categorías por edad..."));
+    categoriasEdad->setObjectName(QStringLiteral("categoriasEdad"));
+    connect(categoriasEdad, &QAction::triggered, this, [this] {
+        auto* window = findChild<CategoriesWindow*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!window)
+            window = new CategoriesWindow(this, dialogs);
+        window->edit();
+    });
 
     carrera = new QMenu(QStringLiteral("&Carrera"), this);
     carrera->setObjectName(QStringLiteral("carrera"));

@@ -32,12 +32,12 @@ class ScriptedDialogs final : public Dialogs
 {
 public:
     struct Shown {
-        QString kind; // "confirm", "warn", "ask", "open", "text"
+        QString kind; // "confirm", "warn", "ask", "open", "save", "text"
         QString title;
         QString text;
     };
     QList<int> answers;              // answers to confirm/ask, in order
-    QStringList files;               // answers to openFile, in order ("" cancels)
+    QStringList files;               // answers to openFile and saveFile, in order ("" cancels)
     QStringList texts;               // answers to askText, in order ("" cancels)
     QList<QStringList> fieldAnswers; // answers to askFields, in order ({} cancels)
     QList<Shown> shown;              // every dialog shown, in order
@@ -62,6 +62,12 @@ public:
     {
         lastRequest = request;
         shown.append({QStringLiteral("open"), request.title, request.proposedName});
+        return next(files, QString());
+    }
+    QString saveFile(QWidget*, const FileRequest& request) override
+    {
+        lastRequest = request;
+        shown.append({QStringLiteral("save"), request.title, request.proposedName});
         return next(files, QString());
     }
     QString askText(QWidget*, const QString& title, const QString& label) override
