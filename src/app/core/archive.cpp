@@ -106,4 +106,18 @@ QList<Kept> list(const QString& folder)
     return kept;
 }
 
+raceresults::Input resultsInput(const Kept& kept, const categories::Table& table)
+{
+    raceresults::Input input;
+    input.list1 = kept.race.list1;
+    input.list2 = kept.race.list2;
+    input.entrants = entrants::read(kept.details.entrantsFile).entrants;
+    categories::apply(input.entrants, table, kept.when.date());
+    input.marks = kept.details.marks;
+    input.format = static_cast<int>(number(kept.race.formato));
+    input.name = kept.details.name;
+    input.date = kept.when.date();
+    return input;
+}
+
 } // namespace archive

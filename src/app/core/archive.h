@@ -5,6 +5,8 @@
 #pragma once
 
 #include "racestate.h"
+#include "results/core/categories.h"
+#include "results/core/raceresults.h"
 #include "results/core/runnerstatus.h"
 
 #include <QDateTime>
@@ -58,5 +60,10 @@ struct Kept {
 };
 // The kept races, newest first; a damaged file is listed as unreadable.
 QList<Kept> list(const QString& folder);
+
+// What the results of a kept race are computed from: its lines, its entrants with the
+// categories of `table` given to those without one (ages on the day it was kept), its
+// statuses, its name and that day.
+raceresults::Input resultsInput(const Kept& kept, const categories::Table& table);
 
 } // namespace archive
