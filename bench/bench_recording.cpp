@@ -58,6 +58,7 @@ public:
     void warn(QWidget*, const QString&, const QString&) override { ++shown; }
     int ask(QWidget*, const QString&, const QString&) override { return ++shown, No; }
     QString openFile(QWidget*, const FileRequest&) override { return ++shown, QString(); }
+    QString saveFile(QWidget*, const FileRequest&) override { return ++shown, QString(); }
     QString askText(QWidget*, const QString&, const QString&) override
     {
         return ++shown, QString();

@@ -49,6 +49,7 @@ public:
     void warn(QWidget*, const QString&, const QString&) override {}
     int ask(QWidget*, const QString&, const QString&) override { return No; }
     QString openFile(QWidget*, const FileRequest&) override { return {}; }
+    QString saveFile(QWidget*, const FileRequest&) override { return {}; }
     QString askText(QWidget*, const QString&, const QString&) override { return text; }
     QStringList askFields(QWidget*, const QString&, const QStringList&) override { return {}; }
     void inform(QWidget*, const QString&, const QString&) override {}

@@ -63,7 +63,8 @@ int main()
     const auto encode = measure(21, [&] { statefile::encode(race); });
 
     Journal journal;
-    RaceRecord record{race, {}, {}, {}};
+    RaceRecord record;
+    record.state = race;
     journal.start(dir.filePath(QStringLiteral("MARVO.jrn")), record);
     RaceChange finish;
     finish.label2 = QStringLiteral("10001");

@@ -74,6 +74,7 @@ public:
         return Yes;
     }
     QString openFile(QWidget*, const FileRequest&) override { return {}; }
+    QString saveFile(QWidget*, const FileRequest&) override { return {}; }
 };
 
 constexpr double startOfRace = 9 * 3600.0;                         // 09:00:00

@@ -69,14 +69,23 @@ void ArchiveWindow::build()
     recuperarCarrera->setObjectName(QStringLiteral("recuperarCarrera"));
     recuperarCarrera->setToolTip(QStringLiteral("La hace la carrera actual; la actual se "
                                                 "guarda antes en la lista"));
+    auto* resultados = new QPushButton(QStringLiteral("Resultados"), carrerasVentana);
+    resultados->setObjectName(QStringLiteral("resultadosCarrera"));
+    resultados->setToolTip(QStringLiteral("Publica sus resultados (PDF, página web, hoja de "
+                                          "cálculo, premios y equipos) como cuando era la actual"));
     auto* cerrar = new QPushButton(QStringLiteral("Cerrar"), carrerasVentana);
     buttons->addWidget(exportar);
     buttons->addWidget(recuperarCarrera);
+    buttons->addWidget(resultados);
     buttons->addStretch();
     buttons->addWidget(cerrar);
     layout->addLayout(buttons);
     connect(exportar, &QPushButton::clicked, this, &ArchiveWindow::exportChosen);
     connect(recuperarCarrera, &QPushButton::clicked, this, &ArchiveWindow::recoverChosen);
+    connect(resultados, &QPushButton::clicked, this, [this] {
+        if (const archive::Kept* k = chosen())
+            emit resultsWanted(*k);
+    });
     connect(cerrar, &QPushButton::clicked, carrerasVentana, &QDialog::hide);
     carrerasVentana->resize(560, 320);
 }

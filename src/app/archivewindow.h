@@ -24,6 +24,8 @@ public:
 signals:
     // The operator chose to make `race` the current race; it is already the state file.
     void recovered(const archive::Kept& race);
+    // The operator asked for the results of a kept race.
+    void resultsWanted(const archive::Kept& race);
     // The answer of the last box shown.
     void answered(int answer);
 

@@ -9,12 +9,14 @@
 #include "app/notices.h"
 #include "app/texts.h"
 #include "app/version.h"
+#include "base/programsettings.h"
 #include "chrono/armedstart.h"
 #include "files/adodatacontrol.h"
 #include "files/core/latestwriter.h"
 #include "results/categorieswindow.h"
 #include "results/finisheditor.h"
 #include "results/linedelegate.h"
+#include "results/resultsoptionswindow.h"
 #include "results/resultspublisher.h"
 #include "results/statuswindow.h"
 
@@ -30,7 +32,6 @@
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QSettings>
 #include <QTimer>
 
 namespace
@@ -89,12 +90,9 @@ QAction* settingOption(QMenu* menu, const QString& text, const QString& name, co
     QAction* option = menu->addAction(text);
     option->setObjectName(name);
     option->setCheckable(true);
-    option->setChecked(QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo"))
-                           .value(key, byDefault)
-                           .toBool());
-    QObject::connect(option, &QAction::toggled, option, [key](bool on) {
-        QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo")).setValue(key, on);
-    });
+    option->setChecked(ProgramSettings().value(key, byDefault).toBool());
+    QObject::connect(option, &QAction::toggled, option,
+                     [key](bool on) { ProgramSettings().setValue(key, on); });
     return option;
 }
 
@@ -365,6 +363,15 @@ void FormMarvolendo::buildRaceMenu()
             window = new CategoriesWindow(this, dialogs);
         window->edit();
     });
+    QAction* opcionesResultados =
+        op1->addAction(QStringLiteral("Resultados: precisión, premios y equipos..."));
+    opcionesResultados->setObjectName(QStringLiteral("resultadosOpciones"));
+    connect(opcionesResultados, &QAction::triggered, this, [this] {
+        auto* window = findChild<ResultsOptionsWindow*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!window)
+            window = new ResultsOptionsWindow(this);
+        window->edit();
+    });
 
     carrera = new QMenu(QStringLiteral("&Carrera"), this);
     carrera->setObjectName(QStringLiteral("carrera"));
@@ -401,6 +408,8 @@ void FormMarvolendo::buildRaceMenu()
     QAction* anteriores = carrera->addAction(QStringLiteral("Carreras anteriores..."));
     anteriores->setObjectName(QStringLiteral("anteriores"));
     connect(anteriores, &QAction::triggered, archiveWindow, &ArchiveWindow::show);
+    connect(archiveWindow, &ArchiveWindow::resultsWanted, publisher,
+            &ResultsPublisher::publishKept);
     connect(archiveWindow, &ArchiveWindow::answered, this,
             [this](int answer) { respuesta = answer; });
     connect(archiveWindow, &ArchiveWindow::recovered, this, [this](const archive::Kept& kept) {

@@ -3,6 +3,7 @@
 #include "app/dialogs.h"
 #include "app/look.h"
 #include "base/fileerror.h"
+#include "base/programsettings.h"
 #include "base/savefile.h"
 
 #include <QComboBox>
@@ -42,13 +43,6 @@ enum Column { Name, SexColumn, From, To, Columns };
 // In the order of categories::Sex.
 const QStringList sexNames{QStringLiteral("Ambos"), QStringLiteral("Masculino"),
                            QStringLiteral("Femenino")};
-
-// The program's settings, where the options of the menu are kept too.
-class ProgramSettings final : public QSettings
-{
-public:
-    ProgramSettings() : QSettings(QStringLiteral("Marvolendo"), QStringLiteral("Marvolendo")) {}
-};
 
 class SexDelegate final : public QStyledItemDelegate
 {

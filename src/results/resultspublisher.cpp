@@ -5,9 +5,12 @@
 #include "app/notices.h"
 #include "base/fileerror.h"
 #include "base/paths.h"
+#include "base/programsettings.h"
 #include "base/savefile.h"
 #include "files/core/exports.h"
-#include "results/core/classification.h"
+#include "results/categorieswindow.h"
+#include "results/core/categories.h"
+#include "results/core/raceresults.h"
 #include "results/core/resultsreport.h"
 #include "results/resultspdf.h"
 
@@ -23,21 +26,50 @@
 namespace
 {
 
-// The classification of the lines and the three files drawn and written from it.
-exports::WriteResult writeResults(const QStringList& list1, const QStringList& list2,
-                                  const QList<entrants::Entrant>& entered,
-                                  const runnerstatus::Marks& marks, int digits, const QString& name,
-                                  const QDate& date)
+// The race's results drawn and written into its own folder inside the results folder: the
+// classification as a PDF, a web page and a spreadsheet, the awards, and the teams when the race
+// has them. The results folder itself must be there (made by the results office); the race's
+// folder is made in it.
+struct Written {
+    exports::WriteResult result;
+    QString folder; // the race's folder, as the operator reads it
+    QStringList files;
+};
+
+Written writeResults(const raceresults::Input& input, const raceresults::Settings& settings)
 {
-    const classification::Results results =
-        classification::classify(list1, entered, list2, {marks, {}});
-    const resultsreport::Report report =
-        resultsreport::report(results, entered, digits, name, date, marks);
-    return exports::write(
-        {{QString::fromLatin1(resultsreport::pdfFile), resultspdf::render(report)},
-         {QString::fromLatin1(resultsreport::htmlFile), resultsreport::html(report)},
-         {QString::fromLatin1(resultsreport::csvFile),
-          resultsreport::csv(results, entered, digits, marks)}});
+    const raceresults::Computed computed = raceresults::compute(input, settings);
+    const QString folder =
+        QLatin1String(exports::folder) + raceresults::folderName(input.date, input.name) + u'\\';
+    const QString base = paths::local(QLatin1String(exports::folder));
+    if (QFileInfo(base).isDir())
+        QDir().mkpath(paths::local(folder));
+    Written w;
+    w.folder = QDir::toNativeSeparators(QFileInfo(paths::local(folder)).absoluteFilePath());
+    const resultsreport::Report report = raceresults::results(computed, input);
+    QList<exports::File> files{
+        {folder + QStringLiteral("resultados.pdf"), resultspdf::render(report)},
+        {folder + QStringLiteral("resultados.html"), resultsreport::html(report)},
+        {folder + QStringLiteral("resultados.csv"),
+         resultsreport::csv(computed.results, input.entrants, computed.fractionDigits,
+                            input.marks)}};
+    if (!computed.podiums.isEmpty())
+        files << exports::File{folder + QStringLiteral("premios.pdf"),
+                               resultspdf::render(raceresults::awardsPage(computed, input))};
+    if (settings.teams) {
+        const resultsreport::Report teamsReport = raceresults::teamsPage(computed, input, settings);
+        files << exports::File{folder + QStringLiteral("equipos.pdf"),
+                               resultspdf::render(teamsReport)}
+              << exports::File{folder + QStringLiteral("equipos.html"),
+                               resultsreport::html(teamsReport)}
+              << exports::File{
+                     folder + QStringLiteral("equipos.csv"),
+                     teams::csv(computed.teams, *settings.teams, computed.fractionDigits)};
+    }
+    for (const exports::File& f : std::as_const(files))
+        w.files << f.windowsPath.mid(f.windowsPath.lastIndexOf(u'\\') + 1);
+    w.result = exports::write(files);
+    return w;
 }
 
 } // namespace
@@ -93,13 +125,19 @@ void ResultsPublisher::loadEntrants()
         return;
     }
 
-    session.race().setEntrants(loaded.entrants);
+    // The entrants without a category in the file take theirs from the table by their age.
+    QList<entrants::Entrant> entered = loaded.entrants;
+    const QString unassigned = categories::unassignedMessage(
+        categories::apply(entered, CategoriesWindow::stored(), QDate::currentDate()));
+    session.race().setEntrants(entered);
     const QString kept = savefile::write(besideState(entrants::keptFile), bytes);
 
     QString summary = QStringLiteral("Cargados %1 inscritos.").arg(loaded.entrants.size());
     const QString skipped = entrants::skippedMessage(loaded);
     if (!skipped.isEmpty())
         summary += u'\n' + skipped;
+    if (!unassigned.isEmpty())
+        summary += u'\n' + unassigned;
     if (!kept.isEmpty())
         summary += QStringLiteral("\nNo se pudo guardar una copia junto a MARVO.dat (%1): al "
                                   "volver a abrir el programa habrá que cargarlos otra vez.")
@@ -111,9 +149,12 @@ void ResultsPublisher::reload()
 {
     // What is beside the state file is the race's: a file that is not there, nothing.
     QFile file(besideState(entrants::keptFile));
-    session.race().setEntrants(file.open(QIODevice::ReadOnly)
-                                   ? entrants::read(file.read(entrants::maxFileBytes + 1)).entrants
-                                   : QList<entrants::Entrant>());
+    QList<entrants::Entrant> entered;
+    if (file.open(QIODevice::ReadOnly)) {
+        entered = entrants::read(file.read(entrants::maxFileBytes + 1)).entrants;
+        categories::apply(entered, CategoriesWindow::stored(), QDate::currentDate());
+    }
+    session.race().setEntrants(entered);
     QFile name(besideState(entrants::raceNameFile));
     session.race().setName(
         name.open(QIODevice::ReadOnly) ? QString::fromUtf8(name.readAll()).trimmed() : QString());
@@ -157,29 +198,45 @@ void ResultsPublisher::publish()
                 QStringLiteral("No se pudo guardar el nombre de la carrera (%1).").arg(reason));
     }
 
+    raceresults::Input input;
+    input.list1 = race.list1();
+    input.list2 = race.list2();
+    input.entrants = race.entrants();
+    input.marks = race.marks();
+    input.format = session.lapOptions().format;
+    input.name = race.name();
+    input.date = QDate::currentDate();
+    write(input);
+}
+
+void ResultsPublisher::publishKept(const archive::Kept& kept)
+{
+    if (resultsThread) {
+        notices.show(QStringLiteral("Los resultados anteriores se están guardando todavía."));
+        return;
+    }
+    write(archive::resultsInput(kept, CategoriesWindow::stored()));
+}
+
+void ResultsPublisher::write(const raceresults::Input& input)
+{
     // The files are drawn and written away from the window: a big race takes most of a second,
     // and the clock and the finish keys must not wait for it.
-    auto written = std::make_shared<exports::WriteResult>();
+    auto written = std::make_shared<Written>();
     resultsThread =
-        QThread::create([written, list1 = race.list1(), list2 = race.list2(),
-                         entered = race.entrants(), marks = race.marks(),
-                         digits = resultsreport::fractionDigitsOf(session.lapOptions().format),
-                         name = race.name(), date = QDate::currentDate()] {
-            *written = writeResults(list1, list2, entered, marks, digits, name, date);
+        QThread::create([written, input, settings = raceresults::load(ProgramSettings())] {
+            *written = writeResults(input, settings);
         });
     resultsThread->setParent(this);
     connect(resultsThread, &QThread::finished, this, [this, written] {
         resultsThread->deleteLater();
         resultsThread = nullptr;
         // The clock goes on: the outcome is a notice, not a box to close.
-        if (!written->ok())
-            notices.show(written->message);
+        if (!written->result.ok())
+            notices.show(written->result.message);
         else
-            notices.show(
-                QStringLiteral("Resultados guardados en %1: resultados.pdf, resultados.html "
-                               "y resultados.csv.")
-                    .arg(QDir::toNativeSeparators(
-                        QFileInfo(paths::local(QLatin1String(exports::folder))).absolutePath())));
+            notices.show(QStringLiteral("Resultados guardados en %1: %2.")
+                             .arg(written->folder, written->files.join(QStringLiteral(", "))));
     });
     resultsThread->start(QThread::LowPriority);
 }

@@ -3,6 +3,8 @@
 // name are kept beside the state file and go with the race when it is cleared.
 #pragma once
 
+#include "app/core/archive.h"
+
 #include <QObject>
 
 class Dialogs;
@@ -30,9 +32,12 @@ public:
     // "Resultados...": asks the race name the first time, then writes the files away from the
     // window.
     void publish();
+    // The results of a kept race, as they were published when it was the current one.
+    void publishKept(const archive::Kept& kept);
 
 private:
     QString besideState(const char* name) const;
+    void write(const raceresults::Input& input);
 
     QWidget* window;
     RaceSession& session;

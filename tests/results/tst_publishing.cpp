@@ -74,7 +74,10 @@ private slots:
         f.dialogs.texts << QStringLiteral("Trail de Prueba");
         f.trigger("resultados");
         QTRY_VERIFY(f.label("aviso")->text().contains(QStringLiteral("Resultados guardados")));
-        const QString folder = f.path("C/Carreras/copias/");
+        // The race's own folder in the results folder, by its date and name.
+        const QString folder =
+            f.path("C/Carreras/copias/") +
+            QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")) + " Trail de Prueba/";
         const QString text = pdfText(folder + "resultados.pdf");
         // Every page has the header: 120 + 120 rows and the tables apart fill five pages.
         const int pages = static_cast<int>(text.count(QStringLiteral("Trail de Prueba")));
@@ -94,7 +97,7 @@ private slots:
         f.open();
         QCOMPARE(f.label("estadoDorsales")->text(),
                  QStringLiteral("sin dorsal: 1   dorsales repetidos: 1   no inscritos: 1"));
-        QDir(folder).removeRecursively();
+        QDir(f.path("C/Carreras/copias/")).removeRecursively();
         f.trigger("resultados");
         QVERIFY(!f.dialogs.unexpected);
         // A missing results folder: the notice says so, and the race goes on untouched.

@@ -82,6 +82,57 @@ QList<teams::Runner> teamRunners(const classification::Results& results,
 
 } // namespace
 
+Settings load(const QSettings& s)
+{
+    const auto number = [&s](const char* key, int byDefault, int low, int high) {
+        bool ok = false;
+        const int v =
+            s.value(QStringLiteral("resultados/%1").arg(QLatin1String(key)), byDefault).toInt(&ok);
+        return ok && v >= low && v <= high ? v : byDefault;
+    };
+    Settings kept;
+    kept.precision = classification::Precision(number("precision", 0, 0, 2));
+    kept.awards.perCategory = number("premiosCategoria", 3, 0, 20);
+    kept.awards.overall = number("premiosGeneral", 3, 0, 20);
+    kept.awards.overallExcluded =
+        s.value(QStringLiteral("resultados/generalNoRepite"), false).toBool();
+    if (const int scorers = number("equipoPuntuan", 0, 0, 50); scorers > 0)
+        kept.teams = teams::Rules{scorers,
+                                  number("equipoPor", 0, 0, 1) == 1 ? teams::Rules::Score::Points
+                                                                    : teams::Rules::Score::Time,
+                                  s.value(QStringLiteral("resultados/equipoSexo"), false).toBool()};
+    return kept;
+}
+
+void save(QSettings& s, const Settings& kept)
+{
+    s.setValue(QStringLiteral("resultados/precision"), int(kept.precision));
+    s.setValue(QStringLiteral("resultados/premiosCategoria"), kept.awards.perCategory);
+    s.setValue(QStringLiteral("resultados/premiosGeneral"), kept.awards.overall);
+    s.setValue(QStringLiteral("resultados/generalNoRepite"), kept.awards.overallExcluded);
+    s.setValue(QStringLiteral("resultados/equipoPuntuan"), kept.teams ? kept.teams->scorers : 0);
+    s.setValue(QStringLiteral("resultados/equipoPor"),
+               kept.teams && kept.teams->score == teams::Rules::Score::Points ? 1 : 0);
+    s.setValue(QStringLiteral("resultados/equipoSexo"), kept.teams && kept.teams->bySex);
+}
+
+QString folderName(const QDate& date, const QString& raceName)
+{
+    QString name;
+    for (const QChar c : raceName.simplified()) {
+        if (QStringLiteral("\\/:*?\"<>|").contains(c) || c.unicode() < 32)
+            name += u'-';
+        else
+            name += c;
+    }
+    // Windows takes no name that ends in a dot or a space.
+    while (name.endsWith(u'.') || name.endsWith(u' '))
+        name.chop(1);
+    name = name.left(60).trimmed();
+    const QString day = date.toString(QStringLiteral("yyyy-MM-dd"));
+    return name.isEmpty() ? day : day + u' ' + name;
+}
+
 Computed compute(const Input& input, const Settings& settings)
 {
     Computed c;

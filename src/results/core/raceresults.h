@@ -11,6 +11,7 @@
 
 #include <QDate>
 #include <QList>
+#include <QSettings>
 #include <QString>
 
 #include <optional>
@@ -47,6 +48,16 @@ struct Computed {
     QList<Incident> incidents;
     int fractionDigits = 3;
 };
+
+// How results are published, kept for the next race under the group "resultados"; the
+// defaults when nothing is kept: times as taken, three awards a category and three overall a
+// sex, the overall winners awarded in their categories too, no team classification.
+Settings load(const QSettings& settings);
+void save(QSettings& settings, const Settings& kept);
+
+// The folder of a race's results inside the results folder, by its date and name
+// ("2026-05-10 Trail de la Sierra"), without the characters a file name cannot hold.
+QString folderName(const QDate& date, const QString& raceName);
 
 Computed compute(const Input& input, const Settings& settings);
 
