@@ -1,12 +1,16 @@
 // From a spreadsheet of entrants to results people read, in the real window: the entrants
 // load (bad rows reported), check the bibs, survive a restart and go with a clear; the
 // printed results carry the race name, the date and the page on every page.
+#include "app/core/archive.h"
 #include "app/core/statefile.h"
+#include "base/programsettings.h"
+#include "results/core/raceresults.h"
 #include "support/formfixture.h"
 
 #include <QLabel>
 #include <QListWidget>
 #include <QProcess>
+#include <QTableWidget>
 
 namespace
 {
@@ -18,6 +22,19 @@ QString pdfText(const QString& path)
     if (!p.waitForFinished(30000) || p.exitCode() != 0)
         return QStringLiteral("pdftotext failed: ") + p.readAllStandardError();
     return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+// Every file of a race's results folder: the PDFs as their text, the others as their bytes.
+QMap<QString, QByteArray> published(const QString& folder)
+{
+    QMap<QString, QByteArray> files;
+    for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files)) {
+        QFile file(info.filePath());
+        files[info.fileName()] = info.suffix() == u"pdf" ? pdfText(info.filePath()).toUtf8()
+                                 : file.open(QIODevice::ReadOnly) ? file.readAll()
+                                                                  : QByteArray();
+    }
+    return files;
 }
 
 } // namespace
@@ -75,9 +92,9 @@ private slots:
         f.trigger("resultados");
         QTRY_VERIFY(f.label("aviso")->text().contains(QStringLiteral("Resultados guardados")));
         // The race's own folder in the results folder, by its date and name.
-        const QString folder =
-            f.path("C/Carreras/copias/") +
-            QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")) + " Trail de Prueba/";
+        const QString folder = f.path("C/Carreras/copias/") +
+                               QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")) +
+                               " Trail de Prueba/";
         const QString text = pdfText(folder + "resultados.pdf");
         // Every page has the header: 120 + 120 rows and the tables apart fill five pages.
         const int pages = static_cast<int>(text.count(QStringLiteral("Trail de Prueba")));
@@ -114,6 +131,75 @@ private slots:
         f.click("Command4");
         QCOMPARE(f.dialogs.shown.last().kind, QStringLiteral("confirm"));
         QVERIFY(QFile::exists(f.path("MARVO-inscritos.csv")));
+    }
+
+    void aKeptRacePublishesWhatItDidAsTheCurrentOne()
+    {
+        // Categories by age, awards, teams and a disqualification: cleared, the race goes to
+        // "Carreras anteriores" with its entrants, name and statuses, and its results from
+        // there are the files it published as the current race.
+        if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty())
+            QSKIP("pdftotext (poppler-utils) is not installed");
+        FormFixture f;
+        f.makeResultsFolder();
+        {
+            ProgramSettings settings;
+            categories::save(settings, categories::defaultTable());
+            raceresults::Settings options;
+            options.precision = classification::Precision::WholeSecond;
+            options.awards.overallExcluded = true;
+            options.teams = teams::Rules{2, teams::Rules::Score::Points, false};
+            raceresults::save(settings, options);
+        }
+        RaceState s;
+        s.formato = 2;
+        const char* const times[] = {"00:20:00:100", "00:20:00:900", "00:21:30:000", "00:22:00:000",
+                                     "00:23:10:500"};
+        for (int i = 1; i <= 5; ++i)
+            s.list1 << QStringLiteral("%1-%2- %3 - 0:00:00:000")
+                           .arg(i, 4)
+                           .arg(6 - i, 4)
+                           .arg(QLatin1String(times[i - 1]));
+        s.combo1 = s.list1;
+        f.writeFile("MARVO.dat", statefile::encode(s));
+        f.writeFile("MARVO-situaciones.txt", "2\tDSQ\tRecorte\r\n");
+        f.writeFile("inscritos.csv", "dorsal;nombre;apellidos;sexo;nacimiento;club\n"
+                                     "1;Ana;Sanz;F;1990;Norte\n2;Luis;Gómez;M;1980;Norte\n"
+                                     "3;Marta;Vela;F;2001;Sur\n4;Pedro;Ibáñez;M;1975;Sur\n"
+                                     "5;Sara;Llorente;F;1988;Sur\n6;Tomás;Ruiz;M;1999;Norte\n");
+        f.open();
+        f.dialogs.files << f.path("inscritos.csv");
+        f.trigger("inscritos");
+        f.dialogs.texts << QStringLiteral("Cross del Test");
+        f.trigger("resultados");
+        QTRY_VERIFY(f.label("aviso")->text().contains(QStringLiteral("Resultados guardados")));
+        const QString folder = f.path("C/Carreras/copias/") +
+                               QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")) +
+                               " Cross del Test/";
+        const QMap<QString, QByteArray> live = published(folder);
+        QCOMPARE(live.keys(),
+                 QStringList({"equipos.csv", "equipos.html", "equipos.pdf", "premios.pdf",
+                              "resultados.csv", "resultados.html", "resultados.pdf"}));
+        // Times to the second: bibs 5 and 4 share first place; Luis (2) disqualified; Tomás
+        // (6) did not start.
+        QVERIFY(live["resultados.csv"].contains(
+            "1;5;Sara;Llorente;Sur;Veteranas A;F;1;0:20:00;0:20:01;;"));
+        QVERIFY(live["resultados.csv"].contains(
+            "1;4;Pedro;Ibáñez;Sur;Veteranos B;M;1;0:20:00;0:20:01;;"));
+        QVERIFY(live["resultados.csv"].contains("Descalificado (Recorte)"));
+        QVERIFY(live["resultados.csv"].contains("No salió"));
+
+        f.dialogs.answers << Dialogs::Ok;
+        f.click("Command4");
+        QVERIFY(f.lines("List1").isEmpty());
+        QDir(folder).removeRecursively();
+        f.trigger("anteriores");
+        f.child<QTableWidget>("carrerasLista")->selectRow(0);
+        f.label("aviso")->clear();
+        f.button("resultadosCarrera")->click();
+        QTRY_VERIFY(f.label("aviso")->text().contains(QStringLiteral("Resultados guardados")));
+        QCOMPARE(published(folder), live);
+        QVERIFY(!f.dialogs.unexpected);
     }
 };
 
