@@ -7,6 +7,7 @@
 #include "base/paths.h"
 #include "files/core/exports.h"
 #include "results/core/resultline.h"
+#include "results/seasonwindow.h"
 
 #include <QDialog>
 #include <QHBoxLayout>
@@ -69,14 +70,19 @@ void ArchiveWindow::build()
     recuperarCarrera->setObjectName(QStringLiteral("recuperarCarrera"));
     recuperarCarrera->setToolTip(QStringLiteral("La hace la carrera actual; la actual se "
                                                 "guarda antes en la lista"));
+    auto* temporada = new QPushButton(QStringLiteral("Temporada..."), carrerasVentana);
+    temporada->setObjectName(QStringLiteral("temporada"));
+    temporada->setToolTip(QStringLiteral("Una clasificación de varias carreras guardadas"));
     auto* cerrar = new QPushButton(QStringLiteral("Cerrar"), carrerasVentana);
     buttons->addWidget(exportar);
     buttons->addWidget(recuperarCarrera);
+    buttons->addWidget(temporada);
     buttons->addStretch();
     buttons->addWidget(cerrar);
     layout->addLayout(buttons);
     connect(exportar, &QPushButton::clicked, this, &ArchiveWindow::exportChosen);
     connect(recuperarCarrera, &QPushButton::clicked, this, &ArchiveWindow::recoverChosen);
+    connect(temporada, &QPushButton::clicked, this, &ArchiveWindow::openSeason);
     connect(cerrar, &QPushButton::clicked, carrerasVentana, &QDialog::hide);
     carrerasVentana->resize(560, 320);
 }
@@ -181,4 +187,11 @@ void ArchiveWindow::recoverChosen()
     }
     carrerasVentana->hide();
     emit recovered(kept);
+}
+
+void ArchiveWindow::openSeason()
+{
+    if (!temporadaVentana)
+        temporadaVentana = new SeasonWindow(window);
+    temporadaVentana->choose(session.archiveFolder());
 }
