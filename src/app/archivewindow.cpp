@@ -7,6 +7,7 @@
 #include "base/paths.h"
 #include "files/core/exports.h"
 #include "results/core/resultline.h"
+#include "results/seasonwindow.h"
 
 #include <QDialog>
 #include <QHBoxLayout>
@@ -73,10 +74,14 @@ void ArchiveWindow::build()
     resultados->setObjectName(QStringLiteral("resultadosCarrera"));
     resultados->setToolTip(QStringLiteral("Publica sus resultados (PDF, página web, hoja de "
                                           "cálculo, premios y equipos) como cuando era la actual"));
+    auto* temporada = new QPushButton(QStringLiteral("Temporada..."), carrerasVentana);
+    temporada->setObjectName(QStringLiteral("temporada"));
+    temporada->setToolTip(QStringLiteral("Una clasificación de varias carreras guardadas"));
     auto* cerrar = new QPushButton(QStringLiteral("Cerrar"), carrerasVentana);
     buttons->addWidget(exportar);
     buttons->addWidget(recuperarCarrera);
     buttons->addWidget(resultados);
+    buttons->addWidget(temporada);
     buttons->addStretch();
     buttons->addWidget(cerrar);
     layout->addLayout(buttons);
@@ -86,8 +91,9 @@ void ArchiveWindow::build()
         if (const archive::Kept* k = chosen())
             emit resultsWanted(*k);
     });
+    connect(temporada, &QPushButton::clicked, this, &ArchiveWindow::openSeason);
     connect(cerrar, &QPushButton::clicked, carrerasVentana, &QDialog::hide);
-    carrerasVentana->resize(560, 320);
+    carrerasVentana->resize(640, 320);
 }
 
 void ArchiveWindow::show()
@@ -190,4 +196,11 @@ void ArchiveWindow::recoverChosen()
     }
     carrerasVentana->hide();
     emit recovered(kept);
+}
+
+void ArchiveWindow::openSeason()
+{
+    if (!temporadaVentana)
+        temporadaVentana = new SeasonWindow(window);
+    temporadaVentana->choose(session.archiveFolder());
 }

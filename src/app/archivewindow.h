@@ -1,5 +1,5 @@
 // "Carreras anteriores": the list of every race kept, from which one can be exported or made
-// the current race again.
+// the current race again, and several scored as a season.
 #pragma once
 
 #include "app/core/archive.h"
@@ -11,6 +11,7 @@ class QDialog;
 class QTableWidget;
 class QWidget;
 class RaceSession;
+class SeasonWindow;
 
 class ArchiveWindow : public QObject
 {
@@ -34,6 +35,7 @@ private:
     const archive::Kept* chosen();
     void exportChosen();
     void recoverChosen();
+    void openSeason();
 
     QWidget* window;
     RaceSession& session;
@@ -41,4 +43,5 @@ private:
     QDialog* carrerasVentana = nullptr;
     QTableWidget* carrerasLista = nullptr;
     QList<archive::Kept> carrerasGuardadas;
+    SeasonWindow* temporadaVentana = nullptr;
 };

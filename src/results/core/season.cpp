@@ -151,6 +151,21 @@ QString personKey(const QString& fullName)
     return plaintext::folded(fullName);
 }
 
+RaceResult fromResults(const raceresults::Computed& computed, const raceresults::Input& input)
+{
+    RaceResult race{input.name, input.date, computed.results.categories, {}};
+    for (const classification::Row& row : computed.results.rows) {
+        if (row.status != classification::Status::Ranked || row.position <= 0 || row.entrant < 0 ||
+            row.entrant >= input.entrants.size())
+            continue;
+        const entrants::Entrant& e = input.entrants[row.entrant];
+        const QString name = e.fullName();
+        race.entries << Entry{personKey(name),      name,        e.categoria, e.sexo,
+                              row.categoryPosition, row.position};
+    }
+    return race;
+}
+
 Series compute(const QList<RaceResult>& races, const Rules& rules)
 {
     Series series;

@@ -17,6 +17,7 @@
 // list), bringing the results of his earlier races with him.
 #pragma once
 
+#include "results/core/raceresults.h"
 #include "results/core/resultsreport.h"
 
 #include <QByteArray>
@@ -70,6 +71,10 @@ struct Series {
 
 // The name as a key: lower case, accents dropped, runs of blanks made one.
 QString personKey(const QString& fullName);
+
+// A race's entries from its classification: the ranked runners who are entrants, each with his
+// places; the race's categories are those of its entrants.
+RaceResult fromResults(const raceresults::Computed& computed, const raceresults::Input& input);
 
 // The races in the order given, which is the order of the columns.
 Series compute(const QList<RaceResult>& races, const Rules& rules);

@@ -1,5 +1,6 @@
 // The series of races: a points table, the best results of each runner, places summed, a
-// runner who changed category, ties, every refusal, and the tables and spreadsheet.
+// runner who changed category, ties, every refusal, the tables and spreadsheet, and a race's
+// entries taken from its classification.
 #include "results/core/season.h"
 
 #include <QtTest>
@@ -187,6 +188,44 @@ private slots:
                  "Veterano;3;Carmen;4;4;2;3;10\r\nVeterano;;Dora;2;3;;2;5\r\n"
                  "Veterano;;Eva;5;;4;2;9\r\nSénior;;Fina;;5;;1;5\r\n");
         QCOMPARE(season::personKey(QStringLiteral("  José   GARCÍA ")), "jose garcia");
+    }
+
+    void fromResults()
+    {
+        // Carlos, Ana, an unknown bib, Ana again and Bea finish; Dora does not.
+        raceresults::Input input;
+        input.name = QStringLiteral("Cross de Otoño");
+        input.date = QDate(2025, 10, 12);
+        const auto entrant = [](int bib, const char* nombre, const char* categoria,
+                                const char* sexo) {
+            entrants::Entrant e;
+            e.bib = bib;
+            e.nombre = QString::fromUtf8(nombre);
+            e.apellidos = QStringLiteral("Ruiz");
+            e.categoria = QString::fromUtf8(categoria);
+            e.sexo = QString::fromUtf8(sexo);
+            return e;
+        };
+        input.entrants = {entrant(5, "Ána", "Sénior", "F"), entrant(7, "Bea", "Veterano", "F"),
+                          entrant(9, "Carlos", "Sénior", "M"), entrant(11, "Dora", "Sénior", "F")};
+        input.list1 = {QStringLiteral("   1-   9- 00:20:00:000 - 0:00:00:000"),
+                       QStringLiteral("   2-   5- 00:21:00:000 - 0:01:00:000"),
+                       QStringLiteral("   3-  42- 00:22:00:000 - 0:02:00:000"),
+                       QStringLiteral("   4-   5- 00:23:00:000 - 0:03:00:000"),
+                       QStringLiteral("   5-   7- 00:24:00:000 - 0:04:00:000")};
+        const RaceResult race = season::fromResults(raceresults::compute(input, {}), input);
+        QCOMPARE(race.name, input.name);
+        QCOMPARE(race.date, input.date);
+        QCOMPARE(race.categoryTable, (QStringList{"Sénior", "Veterano"}));
+        QStringList got;
+        for (const Entry& e : race.entries)
+            got << QStringLiteral("%1|%2|%3|%4|%5|%6")
+                       .arg(e.person, e.name, e.categoria, e.sexo)
+                       .arg(e.categoryPlace)
+                       .arg(e.place);
+        QCOMPARE(got, (QStringList{"carlos ruiz|Carlos Ruiz|Sénior|M|1|1",
+                                   "ana ruiz|Ána Ruiz|Sénior|F|2|2",
+                                   "bea ruiz|Bea Ruiz|Veterano|F|1|3"}));
     }
 };
 
