@@ -29,7 +29,7 @@ int main(int argc, char** argv)
                 .arg(i % 997)
                 .arg(i % 300)
                 .arg(i % 20)
-                .arg(i % 2 ? u'M' : u'F')
+                .arg(i % 2 ? QStringLiteral("M") : QStringLiteral("F"))
                 .toUtf8();
         // Finishers in an order other than the bibs', every 50th without a bib.
         const int bib = i % 50 == 0 ? 0 : (i * 7919) % 10000 + 1;
@@ -55,18 +55,17 @@ int main(int argc, char** argv)
     report("resultados.csv", measure(11, [&] { sheet = resultsreport::csv(results, entered, 3); }),
            500);
     report("the whole results: classify, draw, write the three files",
-           measure(5,
-                   [&] {
-                       const classification::Results r =
-                           classification::classify(list1, entered, {});
-                       const resultsreport::Report t = resultsreport::report(
-                           r, entered, 3, QStringLiteral("Bench"), QDate(2026, 11, 23));
-                       exports::write(
-                           {{QString::fromLatin1(resultsreport::pdfFile), resultspdf::render(t)},
-                            {QString::fromLatin1(resultsreport::htmlFile), resultsreport::html(t)},
-                            {QString::fromLatin1(resultsreport::csvFile),
-                             resultsreport::csv(r, entered, 3)}});
-                   }),
+           measure(
+               5,
+               [&] {
+                   const classification::Results r = classification::classify(list1, entered, {});
+                   const resultsreport::Report t = resultsreport::report(
+                       r, entered, 3, QStringLiteral("Bench"), QDate(2026, 11, 23));
+                   const QString folder = QLatin1String(exports::folder);
+                   exports::write({{folder + "resultados.pdf", resultspdf::render(t)},
+                                   {folder + "resultados.html", resultsreport::html(t)},
+                                   {folder + "resultados.csv", resultsreport::csv(r, entered, 3)}});
+               }),
            1000);
     std::printf("sizes: pdf %lld KB, html %lld KB, csv %lld KB\n",
                 static_cast<long long>(pdf.size() / 1024),

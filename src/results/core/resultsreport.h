@@ -14,10 +14,6 @@
 namespace resultsreport
 {
 
-inline constexpr char pdfFile[] = "C:\\Carreras\\copias\\resultados.pdf";
-inline constexpr char htmlFile[] = "C:\\Carreras\\copias\\resultados.html";
-inline constexpr char csvFile[] = "C:\\Carreras\\copias\\resultados.csv";
-
 // How a column is set: numbers and times to the right, texts to the left; the wide texts
 // (names, clubs) share what the others leave of the width.
 enum class Column { Number, Text, WideText };
