@@ -9,6 +9,7 @@
 #include <QListWidget>
 #include <QPalette>
 #include <QPushButton>
+#include <QScreen>
 #include <QWidget>
 
 namespace look
@@ -152,6 +153,25 @@ void setPointSize(QWidget* w, qreal pointSize)
     QFont font = w->font();
     font.setPointSizeF(pointSize);
     w->setFont(font);
+}
+
+void placeBeside(QWidget* tool, const QWidget* main)
+{
+    const QRect frame = main->frameGeometry();
+    const QScreen* screen = main->screen();
+    const QRect room = screen ? screen->availableGeometry() : QRect();
+    const QSize size = tool->frameGeometry().size();
+    const QPoint places[] = {{frame.right() + 8, frame.top()},
+                             {frame.left() - size.width() - 8, frame.top()},
+                             {frame.left(), frame.bottom() + 8},
+                             {frame.left(), frame.top() - size.height() - 8}};
+    for (const QPoint& at : places) {
+        if (!room.isValid() || room.contains(QRect(at, size))) {
+            tool->move(at);
+            return;
+        }
+    }
+    tool->move(places[0]);
 }
 
 } // namespace look

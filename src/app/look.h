@@ -53,4 +53,8 @@ QColor back(const QWidget* w);
 QFont fixedFont(qreal pointSize);
 void setPointSize(QWidget* w, qreal pointSize);
 
+// A tool window placed clear of the main window: to its right, else its left, below, above,
+// wherever the screen has room; with room nowhere, to its right.
+void placeBeside(QWidget* tool, const QWidget* main);
+
 } // namespace look

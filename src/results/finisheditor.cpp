@@ -182,21 +182,7 @@ void FinishEditor::showRunner(const QString& typed)
 void FinishEditor::placeBesideTheList()
 {
     asignarVentana->adjustSize();
-    const QRect main = window->frameGeometry();
-    const QScreen* screen = window->screen();
-    const QRect room = screen ? screen->availableGeometry() : QRect();
-    const QSize size = asignarVentana->frameGeometry().size();
-    const QPoint places[] = {{main.right() + 8, main.top()},
-                             {main.left() - size.width() - 8, main.top()},
-                             {main.left(), main.bottom() + 8},
-                             {main.left(), main.top() - size.height() - 8}};
-    for (const QPoint& at : places) {
-        if (!room.isValid() || room.contains(QRect(at, size))) {
-            asignarVentana->move(at);
-            return;
-        }
-    }
-    asignarVentana->move(places[0]);
+    look::placeBeside(asignarVentana, window);
 }
 
 // The line chosen for removal: in the results list, or in the drop-down where the Lap layout

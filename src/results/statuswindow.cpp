@@ -1,5 +1,7 @@
 #include "statuswindow.h"
 
+#include "app/look.h"
+
 #include "app/core/racesession.h"
 #include "app/dialogs.h"
 #include "results/core/entrants.h"
@@ -480,19 +482,5 @@ void StatusWindow::say(const QString& text)
 // to its right, or left, or else below or above it, as the screen has room.
 void StatusWindow::placeBesideTheWindow()
 {
-    const QRect main = window->frameGeometry();
-    const QScreen* screen = window->screen();
-    const QRect room = screen ? screen->availableGeometry() : QRect();
-    const QSize size = ventana->frameGeometry().size();
-    const QPoint places[] = {{main.right() + 8, main.top()},
-                             {main.left() - size.width() - 8, main.top()},
-                             {main.left(), main.bottom() + 8},
-                             {main.left(), main.top() - size.height() - 8}};
-    for (const QPoint& at : places) {
-        if (!room.isValid() || room.contains(QRect(at, size))) {
-            ventana->move(at);
-            return;
-        }
-    }
-    // No room anywhere: where the window system puts it.
+    look::placeBeside(ventana, window);
 }
