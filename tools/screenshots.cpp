@@ -406,6 +406,7 @@ bool picture(Layout layout, const QString& file)
             for (int row = 0; row < list->rowCount(); ++row)
                 if (list->item(row, 0) && list->item(row, 0)->text().trimmed() == u"19")
                     list->setCurrentCell(row, 0);
+            list->scrollToItem(list->currentItem(), QAbstractItemView::PositionAtCenter);
             QApplication::processEvents();
             written = form.findChild<QDialog*>(QStringLiteral("situacionesVentana"))
                           ->grab()
