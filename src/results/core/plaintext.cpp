@@ -12,32 +12,29 @@ QString folded(const QString& text)
     return plain;
 }
 
-namespace
+void appendCsvRow(QString& text, const QStringList& cells)
 {
-
-QString field(const QString& text)
-{
-    if (!text.contains(u';') && !text.contains(u'"') && !text.contains(u'\n') &&
-        !text.contains(u'\r'))
-        return text;
-    QString quoted = text;
-    quoted.replace(u'"', QStringLiteral("\"\""));
-    return u'"' + quoted + u'"';
+    for (qsizetype i = 0; i < cells.size(); ++i) {
+        if (i > 0)
+            text += u';';
+        const QString& cell = cells[i];
+        if (!cell.contains(u';') && !cell.contains(u'"') && !cell.contains(u'\n') &&
+            !cell.contains(u'\r')) {
+            text += cell;
+            continue;
+        }
+        QString quoted = cell;
+        quoted.replace(u'"', QStringLiteral("\"\""));
+        text += u'"' + quoted + u'"';
+    }
+    text += QStringLiteral("\r\n");
 }
-
-} // namespace
 
 QByteArray csv(const QList<QStringList>& rows)
 {
     QString text;
-    for (const QStringList& row : rows) {
-        for (qsizetype i = 0; i < row.size(); ++i) {
-            if (i > 0)
-                text += u';';
-            text += field(row[i]);
-        }
-        text += QStringLiteral("\r\n");
-    }
+    for (const QStringList& row : rows)
+        appendCsvRow(text, row);
     return "\xEF\xBB\xBF" + text.toUtf8();
 }
 

@@ -1,4 +1,4 @@
-// Small text helpers shared by the team and series classifications: a name as a key that
+// Small text helpers shared by the classifications and their spreadsheets: a name as a key that
 // spelling details do not split, and the spreadsheet text of a table.
 #pragma once
 
@@ -17,5 +17,7 @@ QString folded(const QString& text);
 // UTF-8 with its mark, ";" between fields, CR LF after every row; a field holding ";", a quote
 // or a line break is quoted, its quotes doubled.
 QByteArray csv(const QList<QStringList>& rows);
+// One such row appended to the text.
+void appendCsvRow(QString& text, const QStringList& cells);
 
 } // namespace plaintext

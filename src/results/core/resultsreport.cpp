@@ -1,5 +1,7 @@
 #include "resultsreport.h"
 
+#include "results/core/plaintext.h"
+
 namespace resultsreport
 {
 
@@ -150,26 +152,6 @@ struct Columns {
 QString escaped(const QString& text)
 {
     return text.toHtmlEscaped();
-}
-
-QString csvField(const QString& text)
-{
-    if (!text.contains(u';') && !text.contains(u'"') && !text.contains(u'\n') &&
-        !text.contains(u'\r'))
-        return text;
-    QString quoted = text;
-    quoted.replace(u'"', QStringLiteral("\"\""));
-    return u'"' + quoted + u'"';
-}
-
-void appendRow(QString& text, const QStringList& cells)
-{
-    for (qsizetype i = 0; i < cells.size(); ++i) {
-        if (i > 0)
-            text += u';';
-        text += csvField(cells[i]);
-    }
-    text += QStringLiteral("\r\n");
 }
 
 } // namespace
@@ -487,7 +469,7 @@ QByteArray csv(const classification::Results& results, const QList<entrants::Ent
               << (ranked ? gapText(row.gapMs, fractionDigits) : QString())
               << (row.status == Status::Repeated ? QStringLiteral("Repetido")
                                                  : statusText(row.status));
-        appendRow(text, cells);
+        plaintext::appendCsvRow(text, cells);
     }
     // The entrants not classified: their finish, when they have one, and their status.
     for (const Row& row : results.unclassified) {
@@ -500,7 +482,7 @@ QByteArray csv(const classification::Results& results, const QList<entrants::Ent
             cells << optionalClock(row.startMs, fractionDigits);
         cells << optionalClock(row.finishMs, fractionDigits) << QString() << QString()
               << kindText(row, marks);
-        appendRow(text, cells);
+        plaintext::appendCsvRow(text, cells);
     }
     return "\xEF\xBB\xBF" + text.toUtf8();
 }
