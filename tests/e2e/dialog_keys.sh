@@ -13,8 +13,8 @@ sleep 1
 
 # Opens the menu "Carrera" (the second title of the menu bar) and goes to an entry with the
 # keys given: Down n for the n-th entry the running race enables (1 Asignar dorsales, 2 Borrar
-# llegada, 3 Añadir llegada, 4 Cargar inscritos, 5 Resultados, 6 Carreras anteriores), Up for
-# the last one (Acerca de).
+# llegada, 3 Añadir llegada, 4 Cargar inscritos, 5 Resultados, 6 Situación de los corredores,
+# 7 Carreras anteriores), Up for the last one (Acerca de).
 carrera() {
     xdotool windowfocus --sync "$APP_WIN"
     xdotool mousemove --window "$APP_WIN" 104 12 click 1
@@ -41,7 +41,9 @@ xdotool keydown F1 && sleep 1 && xdotool keyup F1 && taken=$((taken + 1))
 carrera Down Down Down Return && presses_in '^Añadir llegada$' && taken=$((taken + 5))
 carrera Down Down Down Down Return && presses_in '^Cargar inscritos' && taken=$((taken + 5))
 carrera $(printf 'Down %.0s' $(seq 5)) Return && presses_in '^Resultados$' && taken=$((taken + 5))
-carrera $(printf 'Down %.0s' $(seq 6)) Return && presses_in '^Carreras anteriores$' &&
+carrera $(printf 'Down %.0s' $(seq 6)) Return && presses_in '^Situación de los corredores$' &&
+    taken=$((taken + 5))
+carrera $(printf 'Down %.0s' $(seq 7)) Return && presses_in '^Carreras anteriores$' &&
     taken=$((taken + 5))
 carrera Up Return && presses_in '^Acerca de Marvolendo$' && taken=$((taken + 5))
 # The menu itself open.
