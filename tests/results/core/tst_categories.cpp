@@ -14,11 +14,11 @@ namespace
 {
 
 // "name:sex:from:to|...", sex M, F or A (both).
-categories::Table tableOf(const QString& spec, AgeRule rule = AgeRule::EndOfYear)
+categories::Table tableOf(const QString& rows, AgeRule rule = AgeRule::EndOfYear)
 {
     categories::Table table;
     table.rule = rule;
-    for (const QString& item : spec.split(u'|', Qt::SkipEmptyParts)) {
+    for (const QString& item : rows.split(u'|', Qt::SkipEmptyParts)) {
         const QStringList f = item.split(u':');
         const Sex sex = f[1] == u"M" ? Sex::Male : f[1] == u"F" ? Sex::Female : Sex::Both;
         table.categories << categories::Category{f[0], sex, f[2].toInt(), f[3].toInt()};
