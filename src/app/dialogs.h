@@ -13,6 +13,16 @@ struct FileRequest {
     QString filter;
     QString defaultSuffix;
     QString proposedName;
+
+    // A spreadsheet saved as CSV to open (text files too, which some save it as).
+    static FileRequest csvToOpen(const QString& title)
+    {
+        return {title,
+                QStringLiteral("Hojas de cálculo CSV (*.csv *.CSV *.txt *.TXT);;Todos los "
+                               "ficheros (*)"),
+                QStringLiteral("csv"),
+                {}};
+    }
 };
 
 class Dialogs

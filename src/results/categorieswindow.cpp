@@ -374,12 +374,7 @@ void CategoriesWindow::restoreUsual()
 void CategoriesWindow::importFile()
 {
     const QString heading = QStringLiteral("Importar categorías");
-    FileRequest request;
-    request.title = heading;
-    request.filter = QStringLiteral("Hojas de cálculo CSV (*.csv *.CSV *.txt *.TXT);;Todos los "
-                                    "ficheros (*)");
-    request.defaultSuffix = QStringLiteral("csv");
-    const QString path = dialogs.openFile(this, request);
+    const QString path = dialogs.openFile(this, FileRequest::csvToOpen(heading));
     if (path.isEmpty())
         return;
     QFile file(path);

@@ -94,12 +94,8 @@ QString ResultsPublisher::besideState(const char* name) const
 
 void ResultsPublisher::loadEntrants()
 {
-    FileRequest request;
-    request.title = QStringLiteral("Cargar inscritos (CSV)");
-    request.filter = QStringLiteral("Hojas de cálculo CSV (*.csv *.CSV *.txt *.TXT);;Todos los "
-                                    "ficheros (*)");
-    request.defaultSuffix = QStringLiteral("csv");
-    const QString path = dialogs.openFile(window, request);
+    const QString path =
+        dialogs.openFile(window, FileRequest::csvToOpen(QStringLiteral("Cargar inscritos (CSV)")));
     if (path.isEmpty())
         return;
 

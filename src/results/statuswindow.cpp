@@ -106,10 +106,17 @@ StatusWindow::StatusWindow(QWidget* parentWindow, RaceSession& raceSession, Dial
       undo(undoAction)
 {
     const Race& race = session.race();
+    // A finish is recorded first; the list follows once the finish key's work is done, once
+    // for a burst of finishes.
+    laterRefresh.setSingleShot(true);
+    laterRefresh.setInterval(0);
+    connect(&laterRefresh, &QTimer::timeout, this, &StatusWindow::refresh);
     connect(&race, &Race::changed, this, [this](const RaceChange& change) {
         // A mark changes a status; a finish, or a bib corrected, whether a runner finished.
-        if (change.kind == RaceChange::Kind::Mark || change.changesLines())
+        if (change.kind == RaceChange::Kind::Mark)
             refresh();
+        else if (change.changesLines() && ventana && ventana->isVisible())
+            laterRefresh.start();
     });
     connect(&race, &Race::entrantsChanged, this, &StatusWindow::refresh);
     connect(&race, &Race::restored, this, &StatusWindow::refresh);

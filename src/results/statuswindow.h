@@ -8,6 +8,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QTimer>
 
 class Dialogs;
 class QAction;
@@ -52,6 +53,7 @@ private:
     RaceSession& session;
     Dialogs& dialogs;
     QAction* undo;
+    QTimer laterRefresh;
     QDialog* ventana = nullptr;
     QLineEdit* filtro = nullptr;
     QTableWidget* lista = nullptr;

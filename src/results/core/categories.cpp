@@ -1,5 +1,6 @@
 #include "categories.h"
 
+#include "results/core/plaintext.h"
 #include "results/core/sexes.h"
 
 #include <QHash>
@@ -178,18 +179,6 @@ QString describe(const Unassigned& u)
     return QStringLiteral("dorsal %1 (%2)").arg(u.bib).arg(why);
 }
 
-// A field of the exported file, quoted when a spreadsheet would otherwise read it differently.
-QString csvField(const QString& text)
-{
-    const bool quote = text.contains(u';') || text.contains(u'"') || text.contains(u'\n') ||
-                       text.contains(u'\r') || text != text.trimmed();
-    if (!quote)
-        return text;
-    QString quoted = text;
-    quoted.replace(QStringLiteral("\""), QStringLiteral("\"\""));
-    return u'"' + quoted + u'"';
-}
-
 } // namespace
 
 std::optional<Sex> readSex(QStringView text)
@@ -318,15 +307,13 @@ QString unassignedMessage(const QList<Unassigned>& unassigned)
 
 QByteArray exportCsv(const Table& table)
 {
-    QStringList lines;
-    lines << QStringLiteral("regla;") + ruleWord(table.rule);
-    lines << QStringLiteral("categoria;sexo;edad_desde;edad_hasta");
+    QList<QStringList> rows{{QStringLiteral("regla"), ruleWord(table.rule)},
+                            {QStringLiteral("categoria"), QStringLiteral("sexo"),
+                             QStringLiteral("edad_desde"), QStringLiteral("edad_hasta")}};
     for (const Category& c : table.categories)
-        lines << QStringLiteral("%1;%2;%3;%4")
-                     .arg(csvField(c.name), sexWord(c.sex))
-                     .arg(c.ageFrom)
-                     .arg(c.ageTo);
-    return "\xEF\xBB\xBF" + (lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")).toUtf8();
+        rows << QStringList{c.name, sexWord(c.sex), QString::number(c.ageFrom),
+                            QString::number(c.ageTo)};
+    return plaintext::csv(rows);
 }
 
 Imported importCsv(QByteArrayView bytes)

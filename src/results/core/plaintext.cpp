@@ -18,8 +18,9 @@ void appendCsvRow(QString& text, const QStringList& cells)
         if (i > 0)
             text += u';';
         const QString& cell = cells[i];
+        // Unquoted fields are read back trimmed: blanks at either end are quoted too.
         if (!cell.contains(u';') && !cell.contains(u'"') && !cell.contains(u'\n') &&
-            !cell.contains(u'\r')) {
+            !cell.contains(u'\r') && cell == cell.trimmed()) {
             text += cell;
             continue;
         }

@@ -15,7 +15,7 @@ namespace plaintext
 QString folded(const QString& text);
 
 // UTF-8 with its mark, ";" between fields, CR LF after every row; a field holding ";", a quote
-// or a line break is quoted, its quotes doubled.
+// or a line break, or with blanks at either end, is quoted, its quotes doubled.
 QByteArray csv(const QList<QStringList>& rows);
 // One such row appended to the text.
 void appendCsvRow(QString& text, const QStringList& cells);
